@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Sets up the machine, then builds and runs every test twice: an optimised build with
+# warnings as errors, and a build under AddressSanitizer and UndefinedBehaviorSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/setup.sh
+
+export LSAN_OPTIONS="suppressions=$PWD/scripts/lsan.supp:print_suppressions=0"
+export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
+
+echo "== build: warnings as errors"
+bash scripts/build.sh build/release -DORVANE_WERROR=ON
+echo "== tests: release"
+ctest --test-dir build/release --output-on-failure --parallel "$(nproc)" --timeout 300
+
+echo "== build: sanitizers"
+bash scripts/build.sh build/sanitize -DCMAKE_BUILD_TYPE=Debug -DORVANE_WERROR=ON -DORVANE_SANITIZE=ON -DORVANE_BENCH=OFF
+echo "== tests: sanitizers"
+ctest --test-dir build/sanitize --output-on-failure --parallel "$(nproc)" --timeout 600

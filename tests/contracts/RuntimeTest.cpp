@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "contracts/AppSystem.h"
+#include "contracts/Generics.h"
+#include "contracts/Interfaces.h"
+#include "tests/support/MessageCapture.h"
+
+namespace orvane {
+namespace {
+
+constexpr const char* kUnitName = "RuntimeTest";
+
+TEST(Assertion, RaisesWithTextUnitAndLine)
+{
+    const int line = __LINE__ + 1;
+    try { Assert(1 + 1 == 3); FAIL(); } catch (const EAssertionFailed& e) {
+        EXPECT_EQ(e.Message(), "Assertion failure (RuntimeTest, line " + std::to_string(line) + ")");
+    }
+    EXPECT_THROW(Assert(false, "own text"), EAssertionFailed);
+    try { Assert(false, "own text"); } catch (const Exception& e) {
+        EXPECT_EQ(std::string(e.what()).rfind("own text (RuntimeTest, line ", 0), 0u);
+    }
+    EXPECT_NO_THROW(Assert(true));
+}
+
+TEST(Lists, CheckIndicesAndKeepOrder)
+{
+    TList<int> list{1, 2, 3};
+    list.Add(4);
+    list.Delete(0);
+    list.Insert(3, 5);
+    EXPECT_EQ(list.Items(), (std::vector<int>{2, 3, 4, 5}));
+    EXPECT_THROW(list.GetItem(4), EArgumentOutOfRangeException);
+    EXPECT_THROW(list.Delete(-1), EArgumentOutOfRangeException);
+    try { list.GetItem(-1); } catch (const Exception& e) { EXPECT_STREQ(e.what(), "Argument out of range"); }
+    TList<int> empty;
+    EXPECT_THROW(empty.First(), EArgumentOutOfRangeException);
+}
+
+struct Counted {
+    explicit Counted(int& alive) : Alive(alive) { ++Alive; }
+    ~Counted() { --Alive; }
+    int& Alive;
+};
+
+TEST(Lists, ObjectListFreesWhatItOwnsOnly)
+{
+    int alive = 0;
+    {
+        TObjectList<Counted> owning;
+        owning.Add(new Counted(alive));
+        owning.Add(new Counted(alive));
+        owning.Delete(0);
+        EXPECT_EQ(alive, 1);
+        Counted* kept = new Counted(alive);
+        owning.Add(kept);
+        EXPECT_EQ(owning.Extract(1), kept);
+        delete kept;
+    }
+    EXPECT_EQ(alive, 0);
+    Counted outside(alive);
+    {
+        TObjectList<Counted> borrowing(false);
+        borrowing.Add(&outside);
+    }
+    EXPECT_EQ(alive, 1);
+}
+
+TEST(Dictionary, RejectsDuplicatesAndIgnoresMissingRemoves)
+{
+    TDictionary<std::string, int> d;
+    d.Add("a", 1);
+    EXPECT_THROW(d.Add("a", 2), EListError);
+    d.AddOrSetValue("a", 3);
+    int v = 0;
+    EXPECT_TRUE(d.TryGetValue("a", v));
+    EXPECT_EQ(v, 3);
+    d.Remove("missing");
+    d.Remove("a");
+    EXPECT_FALSE(d.ContainsKey("a"));
+    EXPECT_FALSE(d.TryGetValue("a", v));
+    EXPECT_EQ(v, 3);
+    EXPECT_THROW(d.GetItem("a"), EListError);
+}
+
+TEST(Guid, ParsesAndPrintsTheRegistryForm)
+{
+    constexpr TGUID g = TGUID::FromString("{8AA0B750-BCB5-41BA-90CC-75668870F362}");
+    static_assert(g.D1 == 0x8AA0B750u && g.D2 == 0xBCB5 && g.D3 == 0x41BA && g.D4[0] == 0x90 && g.D4[7] == 0x62);
+    EXPECT_EQ(g.ToString(), "{8AA0B750-BCB5-41BA-90CC-75668870F362}");
+    EXPECT_THROW(TGUID::FromString("{8AA0B750-BCB5-41BA-90CC-75668870F36}"), EArgumentException);
+    EXPECT_THROW(TGUID::FromString("{8AA0B750-BCB5-41BA-90CC-75668870F36X}"), EArgumentException);
+}
+
+class IProbe : public virtual IInterface {
+public:
+    static constexpr TGUID IID = TGUID::FromString("{11111111-2222-3333-4444-555555555555}");
+    virtual int Value() = 0;
+};
+
+class IOther : public virtual IInterface {
+public:
+    static constexpr TGUID IID = TGUID::FromString("{99999999-2222-3333-4444-555555555555}");
+};
+
+class TProbe : public TInterfacedObject, public IProbe {
+public:
+    explicit TProbe(bool& freed) : FFreed(freed) {}
+    ~TProbe() override { FFreed = true; }
+    int QueryInterface(const TGUID& iid, void** obj) override
+    {
+        return Answer<IProbe>(iid, obj) == S_OK ? S_OK : TInterfacedObject::QueryInterface(iid, obj);
+    }
+    int Value() override { return 42; }
+
+private:
+    bool& FFreed;
+};
+
+TEST(AppSystem, KeepsServicesByGuidAndReachesThemByQuery)
+{
+    bool freed = false;
+    TAppSystem app;
+    {
+        TInterfacePtr<IInterface> root(static_cast<IInterface*>(new TProbe(freed)));
+        app.RegisterService(IProbe::IID, root.get());
+    }
+    EXPECT_FALSE(freed);
+    TInterfacePtr<IInterface> found(app.GetService(IProbe::IID));
+    ASSERT_TRUE(found);
+    auto probe = found.Query<IProbe>();
+    ASSERT_TRUE(probe);
+    EXPECT_EQ(probe->Value(), 42);
+    EXPECT_FALSE(found.Query<IOther>());
+    EXPECT_EQ(app.GetService(IOther::IID), nullptr);
+    found = nullptr;
+    probe = nullptr;
+    app.ClearServices();
+    EXPECT_TRUE(freed);
+}
+
+TEST(AppSystem, ShowsMessagesThroughTheInstalledSink)
+{
+    testing::MessageCapture capture;
+    AppSys.ShowMsg("first", 0);
+    AppSys.ShowMsg("第二", 0);
+    EXPECT_EQ(capture.Texts(), (std::vector<std::string>{"first", "第二"}));
+}
+
+}  // namespace
+}  // namespace orvane

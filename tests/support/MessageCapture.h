@@ -1,0 +1,32 @@
+// Collects what the application object shows for the length of a test.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "contracts/AppSystem.h"
+
+namespace orvane::testing {
+
+struct ShownMessage {
+    std::string Text;
+    int Kind;
+};
+
+class MessageCapture {
+public:
+    MessageCapture();
+    ~MessageCapture();
+    MessageCapture(const MessageCapture&) = delete;
+    MessageCapture& operator=(const MessageCapture&) = delete;
+
+    const std::vector<ShownMessage>& Messages() const { return FMessages; }
+    // The texts alone, in the order shown.
+    std::vector<std::string> Texts() const;
+
+private:
+    std::vector<ShownMessage> FMessages;
+    TMessageSink FPrevious;
+};
+
+}  // namespace orvane::testing

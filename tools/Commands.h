@@ -1,0 +1,9 @@
+// Each command of the orvane tool adds itself to the application here.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace orvane::tools {
+
+
+}  // namespace orvane::tools

@@ -1,0 +1,20 @@
+// orvane: tessellate CAD surfaces, export meshes and render pictures from the command line.
+#include <cstdio>
+#include <exception>
+
+#include "tools/Commands.h"
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"orvane: turns CAD surfaces into meshes and pictures"};
+    app.require_subcommand(1);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "orvane: %s\n", e.what());
+        return 1;
+    }
+    return 0;
+}
