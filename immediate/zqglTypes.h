@@ -70,6 +70,15 @@ static_assert(sizeof(TGLDPoint4D) == 4 * sizeof(double));
 static_assert(sizeof(TGLColor4UB2V) == 12);
 static_assert(offsetof(TGLColor4UB2V, X) == 4);
 
+// A point of the screen in whole pixels.
+struct TPoint {
+    std::int32_t X = 0;
+    std::int32_t Y = 0;
+};
+
+// A colour 00BBGGRR: the low byte is red, then green, then blue; the top byte is ignored.
+using TColor = std::uint32_t;
+
 using PGLPoint2D = TGLPoint2D*;
 using PGLPointW2D = TGLPointW2D*;
 using PGLPoint3D = TGLPoint3D*;
