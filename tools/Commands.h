@@ -5,5 +5,7 @@
 
 namespace orvane::tools {
 
+void AddLabelCommand(CLI::App& app);
+
 
 }  // namespace orvane::tools
