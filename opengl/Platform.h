@@ -1,0 +1,80 @@
+// The window-system layer over EGL that stands where WGL and GDI stand on Windows: device
+// contexts, rendering contexts, pixel formats and the last system error.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "contracts/SysUtils.h"
+#include "opengl/PlatformTypes.h"
+
+namespace orvane {
+
+// A device context: the EGL display and the surface drawn into (EGL_NO_SURFACE for a
+// surfaceless one). One object per pair, so equal handles mean equal pairs.
+struct TDeviceContext {
+    void* Display;
+    void* Surface;
+};
+
+// The WGL names with a meaning over EGL.
+HGLRC wglCreateContext(HDC dc);
+BOOL wglDeleteContext(HGLRC rc);
+HGLRC wglGetCurrentContext();
+HDC wglGetCurrentDC();
+BOOL wglMakeCurrent(HDC dc, HGLRC rc);
+PROC wglGetProcAddress(const char* name);
+HGLRC wglCreateContextAttribsARB(HDC dc, HGLRC shareContext, const int* attribList);
+// EGL's client extensions, and the display extensions of a device context.
+const char* wglGetExtensionsStringEXT();
+const char* wglGetExtensionsStringARB(HDC dc);
+
+// The platform function for a WGL name, nullptr for the names without an EGL meaning.
+PROC PlatformWGLFunction(const char* name);
+
+// Pixel formats: a format number is the EGL config's id.
+int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* pfd);
+int DescribePixelFormat(HDC dc, int pixelFormat, unsigned bytes, PIXELFORMATDESCRIPTOR* pfd);
+int GetPixelFormat(HDC dc);
+BOOL SetPixelFormat(HDC dc, int pixelFormat, const PIXELFORMATDESCRIPTOR* pfd);
+std::uint32_t GetObjectType(HDC dc);
+
+// The last failure of a platform function on this thread, with a readable text.
+std::uint32_t GetLastError();
+std::string LastErrorText();
+void SetLastError(std::uint32_t code, std::string text);
+
+class EOSError : public Exception {
+public:
+    EOSError(std::uint32_t code, std::string message) : Exception(std::move(message)), FCode(code) {}
+    std::uint32_t ErrorCode() const { return FCode; }
+
+private:
+    std::uint32_t FCode;
+};
+// Raises EOSError with "System Error.  Code: <n>.\n<text>" for the last error.
+[[noreturn]] void RaiseLastOSError();
+
+// An offscreen device context of a given size: a pbuffer made when its pixel format is set.
+HDC CreateOffscreenDC(int width, int height);
+void DeleteOffscreenDC(HDC dc);
+
+class TOffscreenDC {
+public:
+    TOffscreenDC(int width, int height) : FDC(CreateOffscreenDC(width, height)) {}
+    ~TOffscreenDC() { DeleteOffscreenDC(FDC); }
+    TOffscreenDC(const TOffscreenDC&) = delete;
+    TOffscreenDC& operator=(const TOffscreenDC&) = delete;
+    HDC Handle() const { return FDC; }
+
+private:
+    HDC FDC;
+};
+
+// Which display the platform layer opened: a hardware EGL device, Mesa's surfaceless
+// platform or the default display. Opens it on first use; raises EOSError when none works.
+enum class TDisplayPath { Device, Surfaceless, Default };
+TDisplayPath DisplayPath();
+const char* DisplayPathName(TDisplayPath path);
+
+}  // namespace orvane
