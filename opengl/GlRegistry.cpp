@@ -48,10 +48,15 @@ void ResolveGLGroup(std::span<const std::uint16_t> commands)
 
 void ResolveEGLGroup(std::span<const std::uint16_t> commands)
 {
+    // EGL's extension functions come from eglGetProcAddress, with or without InitOpenGL.
     void* egl = orvane::EGLLibraryHandle();
     const auto table = EGLCommands();
-    for (const auto index : commands)
-        SetSlot(table[index].Slot, egl ? dglGetProcAddress(table[index].Name, egl) : nullptr);
+    for (const auto index : commands) {
+        void* proc = egl ? dglGetProcAddress(table[index].Name, egl) : nullptr;
+        if (!proc && egl && eglGetProcAddress)
+            proc = reinterpret_cast<void*>(eglGetProcAddress(table[index].Name));
+        SetSlot(table[index].Slot, proc);
+    }
 }
 
 }  // namespace dglOpenGL::registry

@@ -17,6 +17,23 @@ struct TDeviceContext {
     void* Surface;
 };
 
+// The context attributes of wglCreateContextAttribsARB.
+inline constexpr int WGL_CONTEXT_MAJOR_VERSION_ARB = 0x2091;
+inline constexpr int WGL_CONTEXT_MINOR_VERSION_ARB = 0x2092;
+inline constexpr int WGL_CONTEXT_LAYER_PLANE_ARB = 0x2093;
+inline constexpr int WGL_CONTEXT_FLAGS_ARB = 0x2094;
+inline constexpr int WGL_CONTEXT_PROFILE_MASK_ARB = 0x9126;
+inline constexpr int WGL_CONTEXT_DEBUG_BIT_ARB = 0x0001;
+inline constexpr int WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB = 0x0002;
+inline constexpr int WGL_CONTEXT_CORE_PROFILE_BIT_ARB = 0x0001;
+inline constexpr int WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB = 0x0002;
+
+// The codes of GetLastError beside the EGL error codes, which pass through as they are.
+inline constexpr std::uint32_t ERROR_INVALID_HANDLE = 6;
+inline constexpr std::uint32_t ERROR_INVALID_PARAMETER = 87;
+inline constexpr std::uint32_t ERROR_MOD_NOT_FOUND = 126;
+inline constexpr std::uint32_t ERROR_INVALID_PIXEL_FORMAT = 2000;
+
 // The WGL names with a meaning over EGL.
 HGLRC wglCreateContext(HDC dc);
 BOOL wglDeleteContext(HGLRC rc);
@@ -52,7 +69,7 @@ public:
 private:
     std::uint32_t FCode;
 };
-// Raises EOSError with "System Error.  Code: <n>.\n<text>" for the last error.
+// Raises EOSError with "System Error. Code: <n>.\n<text>" for the last error.
 [[noreturn]] void RaiseLastOSError();
 
 // An offscreen device context of a given size: a pbuffer made when its pixel format is set.
