@@ -151,6 +151,35 @@ TEST(QuadTool, BreakpointsNearColumnLinesAndRowsMergeInsteadOfMakingSlivers)
     }
 }
 
+// The tessellation takes a quad's flat normal from its corners, (P1 - P0) x (P3 - P0) first,
+// and a surface normal from steps along Y, then X: (F(P + dY) - F(P)) x (F(P + dX) - F(P)).
+// P0 top-left and clockwise corners make the two agree for every map F of the plane onto a
+// surface, whichever plane axis runs straight.
+TEST(QuadTool, FlatNormalsOfTheQuadsPointLikeTheSurfaceNormals)
+{
+    using Map = TPoint3D (*)(const TPoint2D&);
+    const Map maps[] = {
+        [](const TPoint2D& p) { return TPoint3D(std::cos(p.X), std::sin(p.X), p.Y); },    // straight along Y
+        [](const TPoint2D& p) { return TPoint3D(p.X, std::cos(p.Y), std::sin(p.Y)); },    // straight along X
+        [](const TPoint2D& p) { return TPoint3D(p.Y, p.X, 0.3 * std::sin(p.X) * p.Y); },  // mirrored, curved
+    };
+    auto normal = [](const TPoint3D& a, const TPoint3D& b, const TPoint3D& c) { return (b - a).Normal().CrossMul(c - a).Normal(); };
+    const QuadLoops loops = {Circle(1, 1, 0.9, 30), Circle(1.2, 0.9, 0.3, 9)};
+    const std::vector<Quad> quads = QuadsOf(*Quads(loops, 0.2, 0.15));
+    ASSERT_GT(quads.size(), 50u);
+    for (Map map : maps)
+        for (const Quad& q : quads) {
+            TPoint3D v[4];
+            for (int k = 0; k < 4; ++k) v[k] = map(q.P[k]);
+            TPoint3D flat = normal(v[0], v[1], v[3]);
+            if (flat.Equals(TPoint3D::FZero, 1e-6)) flat = normal(v[1], v[2], v[3]);
+            const TPoint3D p0 = map(q.P[0]);
+            const double d = 1e-4;
+            const TPoint3D surface = normal(p0, map({q.P[0].X, q.P[0].Y + d}), map({q.P[0].X + d, q.P[0].Y}));
+            EXPECT_GT(flat.DotMul(surface), 0.5);
+        }
+}
+
 TEST(QuadTool, RegionsOfNoAreaGiveAnEmptyList)
 {
     EXPECT_EQ(Quads({}, 0.1, 0.1)->Count(), 0);

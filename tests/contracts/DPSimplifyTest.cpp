@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "contracts/DPSimplify.h"
+
+namespace orvane {
+namespace {
+
+TVPoint2DList Points(std::initializer_list<TPoint2D> points) { return TVPoint2DList(points); }
+
+// Distance from P to the polyline.
+double DistanceTo(const TVPoint2DList& line, const TPoint2D& p)
+{
+    double best = INFINITY;
+    for (int i = 0; i + 1 < line.Count(); ++i) {
+        const TPoint2D a = line[i], d = line[i + 1] - line[i];
+        const double len2 = d.X * d.X + d.Y * d.Y;
+        const double t = len2 > 0 ? std::clamp(((p.X - a.X) * d.X + (p.Y - a.Y) * d.Y) / len2, 0.0, 1.0) : 0.0;
+        best = std::min(best, p.DistanceTo(a + d * t));
+    }
+    return best;
+}
+
+// True when sub holds points of all, in their order, with the same ends.
+bool IsOrderedSubset(const TVPoint2DList& sub, const TVPoint2DList& all)
+{
+    int j = 0;
+    for (const TPoint2D& p : sub) {
+        while (j < all.Count() && !(all[j] == p)) ++j;
+        if (j++ == all.Count()) return false;
+    }
+    return sub.First() == all.First() && sub.Last() == all.Last();
+}
+
+TEST(DPSimplify, StraightSamplesComeDownToTheirEnds)
+{
+    TVPoint2DList line;
+    for (int i = 0; i < 10; ++i) line.Add({0.1 * i, 0.3 + 0.05 * i});
+    for (bool quality : {true, false}) {
+        const auto result = DPSimplify(line, 0.001, quality);
+        ASSERT_EQ(result->Count(), 2);
+        EXPECT_EQ(result->First(), line.First());
+        EXPECT_EQ(result->Last(), line.Last());
+    }
+}
+
+TEST(DPSimplify, KeepsTheShapeWithinTolOfAClosedLoop)
+{
+    TVPoint2DList circle;
+    for (int i = 0; i <= 400; ++i) circle.Add({std::cos(2 * M_PI * i / 400), std::sin(2 * M_PI * i / 400)});
+    const auto fine = DPSimplify(circle, 0.001, true);
+    const auto radial = DPSimplify(circle, 0.001, false);
+    for (const auto* result : {fine.get(), radial.get()}) {
+        EXPECT_TRUE(IsOrderedSubset(*result, circle));
+        EXPECT_LT(result->Count(), 200);
+        EXPECT_GT(result->Count(), 20);  // a closed loop is not collapsed onto its end points
+    }
+    for (const TPoint2D& p : circle) {
+        EXPECT_LE(DistanceTo(*fine, p), 0.001);
+        EXPECT_LE(DistanceTo(*radial, p), 0.002);
+    }
+}
+
+TEST(DPSimplify, RadialPassDropsAPointCloseToItsPredecessorThatDouglasPeuckerKeeps)
+{
+    // (1.0001, 0.0016) stands 0.0016 off the chord but only 0.0008 from the point before it.
+    const TVPoint2DList line = Points({{0, 0}, {1, 0.0008}, {1.0001, 0.0016}, {2, 0}});
+    const auto fine = DPSimplify(line, 0.001, true);
+    ASSERT_EQ(fine->Count(), 3);
+    EXPECT_EQ(fine->GetItem(1), TPoint2D(1.0001, 0.0016));
+    const auto radial = DPSimplify(line, 0.001, false);
+    EXPECT_EQ(radial->Count(), 2);
+    for (const TPoint2D& p : line) EXPECT_LE(DistanceTo(*radial, p), 0.002);
+}
+
+TEST(DPSimplify, ShortListsZeroAndNegativeTolerance)
+{
+    EXPECT_EQ(DPSimplify(TVPoint2DList(), 0.1, true)->Count(), 0);
+    EXPECT_EQ(DPSimplify(Points({{1, 2}}), 0.1, true)->Count(), 1);
+    EXPECT_EQ(DPSimplify(Points({{1, 2}, {1, 2}}), 0.1, true)->Count(), 2);
+    const TVPoint2DList bent = Points({{0, 0}, {1, 1}, {2, 2}, {3, 0}});
+    EXPECT_EQ(DPSimplify(bent, 0.0, true)->Count(), 3);  // (1, 1) lies exactly on its segment
+    EXPECT_EQ(DPSimplify(bent, -1.0, true)->Count(), 4);
+}
+
+}  // namespace
+}  // namespace orvane
