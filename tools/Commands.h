@@ -6,6 +6,7 @@
 namespace orvane::tools {
 
 void AddLabelCommand(CLI::App& app);
+void AddGlinfoCommand(CLI::App& app);
 void AddShapesCommand(CLI::App& app);
 
 

@@ -9,6 +9,7 @@ int main(int argc, char** argv)
     CLI::App app{"orvane: turns CAD surfaces into meshes and pictures"};
     app.require_subcommand(1);
     orvane::tools::AddLabelCommand(app);
+    orvane::tools::AddGlinfoCommand(app);
     orvane::tools::AddShapesCommand(app);
     try {
         app.parse(argc, argv);
