@@ -64,8 +64,6 @@ public:
 
 private:
     std::size_t Index(int I, int J) const;
-    // Sums the homogeneous control points with the products of the two basis lists.
-    void Accumulate(int SpanU, int SpanV, const double* Nu, const double* Nv, TPoint3D& A, double& W) const;
 
     TDynPoints3D FCtrlPoints;
     TArrayDouble FWeights;

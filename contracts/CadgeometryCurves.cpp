@@ -122,8 +122,8 @@ TPoint2D TGeSpline2D::GetPoint(double T) const
     if (t == FKnots.front()) return GetStartPoint();
     if (t == FKnots.back()) return GetEndPoint();
     const int span = ge::FindSpan(t, Degree, GetCtrlPointCount(), FKnots);
-    std::vector<double> n(Degree + 1);
-    ge::BasisFuns(span, t, Degree, FKnots, n.data());
+    ge::TScratch n(static_cast<std::size_t>(Degree) + 1);
+    ge::BasisFuns(span, t, Degree, FKnots, n.Data());
     TPoint3D h;
     for (int m = 0; m <= Degree; ++m) h += GetCtrlPointW(span - Degree + m) * n[m];
     return {h.X / h.Z, h.Y / h.Z};

@@ -88,24 +88,6 @@ TRect2D TGeNurbsSurface::GetDomain() const
     return {{KnotsU.front(), KnotsV.front()}, {KnotsU.back(), KnotsV.back()}};
 }
 
-void TGeNurbsSurface::Accumulate(int SpanU, int SpanV, const double* Nu, const double* Nv, TPoint3D& A,
-                                 double& W) const
-{
-    A = TPoint3D::FZero;
-    W = 0.0;
-    for (int l = 0; l <= DegreeV; ++l) {
-        const int j = SpanV - DegreeV + l;
-        for (int m = 0; m <= DegreeU; ++m) {
-            const int i = SpanU - DegreeU + m;
-            const double b = Nu[m] * Nv[l];
-            if (b == 0.0) continue;
-            const double w = GetRational() ? FWeights[Index(i, j)] : 1.0;
-            A += FCtrlPoints[Index(i, j)] * (b * w);
-            W += b * w;
-        }
-    }
-}
-
 TPoint3D TGeNurbsSurface::GetPoint(double U, double V) const
 {
     TPoint3D p, su, sv;
@@ -119,14 +101,27 @@ void TGeNurbsSurface::GetDerivatives(double U, double V, TPoint3D& P, TPoint3D& 
     const double v = std::clamp(V, KnotsV.front(), KnotsV.back());
     const int spanU = ge::FindSpan(u, DegreeU, CtrlCountU, KnotsU);
     const int spanV = ge::FindSpan(v, DegreeV, CtrlCountV, KnotsV);
-    std::vector<double> nu(DegreeU + 1), du(DegreeU + 1), nv(DegreeV + 1), dv(DegreeV + 1);
-    ge::BasisFunsAndDerivs(spanU, u, DegreeU, KnotsU, nu.data(), du.data());
-    ge::BasisFunsAndDerivs(spanV, v, DegreeV, KnotsV, nv.data(), dv.data());
+    const std::size_t countU = static_cast<std::size_t>(DegreeU) + 1, countV = static_cast<std::size_t>(DegreeV) + 1;
+    ge::TScratch nu(countU), du(countU), nv(countV), dv(countV);
+    ge::BasisFunsAndDerivs(spanU, u, DegreeU, KnotsU, nu.Data(), du.Data());
+    ge::BasisFunsAndDerivs(spanV, v, DegreeV, KnotsV, nv.Data(), dv.Data());
     TPoint3D a, au, av;
     double w = 0.0, wu = 0.0, wv = 0.0;
-    Accumulate(spanU, spanV, nu.data(), nv.data(), a, w);
-    Accumulate(spanU, spanV, du.data(), nv.data(), au, wu);
-    Accumulate(spanU, spanV, nu.data(), dv.data(), av, wv);
+    for (int l = 0; l <= DegreeV; ++l) {
+        const int j = spanV - DegreeV + l;
+        for (int m = 0; m <= DegreeU; ++m) {
+            const std::size_t k = Index(spanU - DegreeU + m, j);
+            const double weight = GetRational() ? FWeights[k] : 1.0;
+            const TPoint3D hp = FCtrlPoints[k] * weight;
+            const double b = nu[m] * nv[l], bu = du[m] * nv[l], bv = nu[m] * dv[l];
+            a += hp * b;
+            w += weight * b;
+            au += hp * bu;
+            wu += weight * bu;
+            av += hp * bv;
+            wv += weight * bv;
+        }
+    }
     // Quotient rule on A / W.
     P = a / w;
     Su = (au - P * wu) / w;

@@ -26,7 +26,7 @@ void BasisFuns(int Span, double U, int Degree, const std::vector<double>& Knots,
 {
     // The denominators are knot differences that include the span itself, hence positive;
     // U outside the span gives the span's polynomial continued.
-    std::vector<double> left(Degree + 1), right(Degree + 1);
+    TScratch left(static_cast<std::size_t>(Degree) + 1), right(static_cast<std::size_t>(Degree) + 1);
     N[0] = 1.0;
     for (int j = 1; j <= Degree; ++j) {
         left[j] = U - Knots[Span + 1 - j];
@@ -46,8 +46,8 @@ void BasisFunsAndDerivs(int Span, double U, int Degree, const std::vector<double
 {
     BasisFuns(Span, U, Degree, Knots, N);
     // N'(i,p) = p (N(i,p-1) / (k[i+p] - k[i]) - N(i+1,p-1) / (k[i+p+1] - k[i+1])).
-    std::vector<double> lower(Degree + 1, 0.0);
-    BasisFuns(Span, U, Degree - 1, Knots, lower.data());
+    TScratch lower(static_cast<std::size_t>(Degree) + 1);
+    BasisFuns(Span, U, Degree - 1, Knots, lower.Data());
     for (int j = 0; j <= Degree; ++j) {
         const int i = Span - Degree + j;
         double d = 0.0;

@@ -9,6 +9,22 @@
 
 namespace orvane::ge {
 
+// Scratch doubles on the stack for the usual degrees, on the heap beyond.
+class TScratch {
+public:
+    explicit TScratch(std::size_t N) : FHeap(N > kStack ? N : 0), FData(N > kStack ? FHeap.data() : FStack) {}
+    TScratch(const TScratch&) = delete;
+    TScratch& operator=(const TScratch&) = delete;
+    double* Data() { return FData; }
+    double& operator[](std::size_t I) { return FData[I]; }
+
+private:
+    static constexpr std::size_t kStack = 64;
+    double FStack[kStack];
+    std::vector<double> FHeap;
+    double* FData;
+};
+
 // The span index k with Knots[k] <= U < Knots[k + 1], limited to [Degree, CtrlCount - 1]:
 // a parameter outside the knot range gets the end span, whose polynomial extrapolates.
 int FindSpan(double U, int Degree, int CtrlCount, const std::vector<double>& Knots);
