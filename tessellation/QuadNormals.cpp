@@ -1,0 +1,112 @@
+#include "tessellation/QuadNormals.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr const char* kUnitName = "uTessQuadsTriangulator";
+constexpr double kZeroTol = 1e-6;
+
+bool IsZero(const TPoint3D& P)
+{
+    return P.Equals(TPoint3D::FZero, kZeroTol);
+}
+
+// The run bookkeeping over one normal list of C entries.
+class TNormalRuns {
+public:
+    explicit TNormalRuns(TList<TPoint3D>& AN) : N(AN), C(AN.Count()) {}
+
+    bool IsOppositeNormal(const TPoint3D& A, const TPoint3D& B) const { return fSmall(A.DotMul(B), 0.0, 1e-6); }
+    // Quads at I and J share the normals of their points 0 and 1.
+    bool IsSameQuadNormal(int I, int J) const
+    {
+        return N[I].Equals(N[J], kZeroTol) && N[I + 1].Equals(N[J + 1], kZeroTol);
+    }
+    // The first quad behind the run that starts at I.
+    int FindRunEnd(int I) const
+    {
+        int j = I + 4;
+        while (j < C && IsSameQuadNormal(I, j)) j += 4;
+        return j;
+    }
+    // The first quad of the run that ends just before I.
+    int FindRunStart(int I) const
+    {
+        int j = I - 4;
+        while (j - 4 >= 0 && IsSameQuadNormal(j - 4, I - 4)) j -= 4;
+        return j;
+    }
+
+    TList<TPoint3D>& N;
+    const int C;
+};
+
+}  // namespace
+
+TPoint3D TQuadNormals::CalcNormal(const TPoint3D& A, const TPoint3D& B, const TPoint3D& C)
+{
+    return (B - A).Normal().CrossMul(C - A).Normal();
+}
+
+TPoint3D TQuadNormals::CalcNormal(const TPoint3D& P0, const TPoint3D& P1, const TPoint3D& P2, const TPoint3D& P3)
+{
+    TPoint3D n = CalcNormal(P0, P1, P3);
+    if (!IsZero(n)) return n;
+    n = CalcNormal(P1, P2, P3);
+    if (!IsZero(n)) return n;
+    n = CalcNormal(P2, P3, P1);
+    if (!IsZero(n)) return n;
+    return CalcNormal(P3, P0, P2);
+}
+
+std::unique_ptr<TList<TPoint3D>> TQuadNormals::GetNormalListFromVertexList(const TList<TPoint3D>& Vertices)
+{
+    Assert(Vertices.Count() % 4 == 0, "得到四边形划分数据不为4的倍数");
+    auto normals = std::make_unique<TList<TPoint3D>>();
+    for (int q = 0; q < Vertices.Count(); q += 4) {
+        TPoint3D n = CalcNormal(Vertices[q], Vertices[q + 1], Vertices[q + 2], Vertices[q + 3]);
+        if (IsZero(n) && !normals->IsEmpty()) n = normals->Last();
+        for (int k = 0; k < 4; ++k) normals->Add(n);
+    }
+    return normals;
+}
+
+// A run's two sides are written at different times, but its points 0 and 1 stay equal from
+// quad to quad, so the runs are found the same way throughout.
+void TQuadNormals::FixNormalRuns(TList<TPoint3D>& N, TPoint3D S, TPoint3D T)
+{
+    TNormalRuns runs(N);
+    const int c = runs.C;
+    if (runs.IsOppositeNormal(S, N[0])) S = -S;
+    const int e = runs.FindRunEnd(0);
+    for (int i = 0; i < e; i += 4) {
+        N[i] = S;
+        N[i + 3] = S;
+    }
+
+    if (runs.IsOppositeNormal(T, N[c - 2])) T = -T;
+    const int b = runs.FindRunStart(c);
+    for (int i = c; i > b; i -= 4) {
+        N[i - 2] = T;
+        N[i - 3] = T;
+    }
+
+    for (int i = e; i < c;) {
+        const TPoint3D a = (N[i - 3] + N[i]).Normal();
+        const TPoint3D d = (N[i - 2] + N[i + 3]).Normal();
+        const int next = runs.FindRunEnd(i);
+        const int prev = runs.FindRunStart(i);
+        for (int k = i; k > prev; k -= 4) {
+            N[k - 2] = d;
+            N[k - 3] = a;
+        }
+        for (int k = i; k < next; k += 4) {
+            N[k] = a;
+            N[k + 3] = d;
+        }
+        i = next;
+    }
+}
+
+}  // namespace orvane

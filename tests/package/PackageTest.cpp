@@ -1,0 +1,81 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "contracts/AppSystem.h"
+#include "package/Package.h"
+#include "tessellation/IGeSurfaceTriangulator.h"
+
+namespace orvane {
+namespace {
+
+using ::testing::ElementsAre;
+
+std::vector<std::string> gSequence;
+
+template <char Unit>
+void StartFake()
+{
+    gSequence.push_back(std::string("start ") + Unit);
+}
+template <char Unit>
+void StopFake()
+{
+    gSequence.push_back(std::string("stop ") + Unit);
+}
+void FailingStart()
+{
+    gSequence.push_back("start X");
+    throw std::runtime_error("start-up failed");
+}
+
+TEST(PackageTest, UnitsStartInDependencyOrder)
+{
+    std::vector<std::string> names;
+    for (const TPackageUnit& unit : PackageUnits()) names.push_back(unit.Name);
+    EXPECT_THAT(names, ElementsAre("dglOpenGL", "uGLHandleObj", "zqglUtils", "GL", "GLMatrix", "GLTriangles", "GLu",
+                                   "TextureLoadUnit", "UDrawViewUnitTool", "uTriangulate", "uTessQuadsTriangulator"));
+}
+
+TEST(PackageTest, ShutDownRunsInReverseAndSkipsUnitsWithoutWork)
+{
+    const TPackageUnit units[] = {{"A", StartFake<'A'>, StopFake<'A'>},
+                                  {"B", nullptr, nullptr},
+                                  {"C", StartFake<'C'>, nullptr},
+                                  {"D", StartFake<'D'>, StopFake<'D'>}};
+    gSequence.clear();
+    StartUnits(units);
+    StopUnits(units);
+    EXPECT_THAT(gSequence, ElementsAre("start A", "start C", "start D", "stop D", "stop A"));
+}
+
+TEST(PackageTest, FailedStartUpStopsWhatWasStartedAndRaises)
+{
+    const TPackageUnit units[] = {{"A", StartFake<'A'>, StopFake<'A'>},
+                                  {"X", FailingStart, StopFake<'X'>},
+                                  {"D", StartFake<'D'>, StopFake<'D'>}};
+    gSequence.clear();
+    EXPECT_THROW(StartUnits(units), std::runtime_error);
+    EXPECT_THAT(gSequence, ElementsAre("start A", "start X", "stop A"));
+}
+
+TEST(PackageTest, StartRegistersTheSurfaceTriangulatorService)
+{
+    AppSys.ClearServices();
+    StartPackage();
+    IInterface* root = AppSys.GetService(IGeSurfaceTriangulator::IID);
+    ASSERT_NE(root, nullptr);
+    TInterfacePtr<IGeSurfaceTriangulator> service = TInterfacePtr<IInterface>(root).Query<IGeSurfaceTriangulator>();
+    EXPECT_TRUE(service);
+    StopPackage();
+    // Shut-down leaves the service registered.
+    EXPECT_EQ(AppSys.GetService(IGeSurfaceTriangulator::IID), root);
+    service = {};
+    AppSys.ClearServices();
+}
+
+}  // namespace
+}  // namespace orvane
