@@ -100,7 +100,8 @@ public:
     // Replaces Points by a polyline from start to end whose distance from the curve is at
     // most Tol everywhere. Tol must be positive.
     virtual void GetTolPoints(double Tol, TDynPoints2D& Points) const = 0;
-    // The parameter range and the point at a parameter (clamped to the range).
+    // The parameter range and the point at a parameter (clamped to the range; NaN gives
+    // the start).
     virtual TGeInterval GetInterval() const = 0;
     virtual TPoint2D GetPoint(double T) const = 0;
 };

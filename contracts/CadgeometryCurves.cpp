@@ -37,6 +37,9 @@ void SampleEvenly(const TGeCurve2D& Curve, int Count, TDynPoints2D& Points, TFlo
     }
 }
 
+// A parameter brought into [Lo, Hi]; NaN counts as the start.
+double ClampParam(double T, double Lo, double Hi) { return std::isnan(T) ? Lo : std::clamp(T, Lo, Hi); }
+
 void Include(TRect2D& Box, const TRect2D& Other)
 {
     Box.Min = {std::min(Box.Min.X, Other.Min.X), std::min(Box.Min.Y, Other.Min.Y)};
@@ -70,7 +73,7 @@ void TGeLine2D::GetTolPoints(double Tol, TDynPoints2D& Points) const
 
 TPoint2D TGeLine2D::GetPoint(double T) const
 {
-    const double t = std::clamp(T, 0.0, 1.0);
+    const double t = ClampParam(T, 0.0, 1.0);
     return t == 1.0 ? FEnd : FStart + (FEnd - FStart) * t;
 }
 
@@ -117,7 +120,7 @@ TGeInterval TGeSpline2D::GetInterval() const { return {FKnots.front(), FKnots.ba
 
 TPoint2D TGeSpline2D::GetPoint(double T) const
 {
-    const double t = std::clamp(T, FKnots.front(), FKnots.back());
+    const double t = ClampParam(T, FKnots.front(), FKnots.back());
     // A clamped curve passes through its end control points exactly.
     if (t == FKnots.front()) return GetStartPoint();
     if (t == FKnots.back()) return GetEndPoint();
@@ -218,7 +221,7 @@ void TGeCompositeCurve2D::GetTolPoints(double Tol, TDynPoints2D& Points) const
 TPoint2D TGeCompositeCurve2D::GetPoint(double T) const
 {
     const int n = GetCurveCount();
-    const double t = std::clamp(T, 0.0, static_cast<double>(n));
+    const double t = ClampParam(T, 0.0, static_cast<double>(n));
     const int i = std::clamp(static_cast<int>(std::floor(t)), 0, std::max(n - 1, 0));
     const TGeCurve2D* c = GetCurve(i);
     const TGeInterval range = c->GetInterval();

@@ -131,6 +131,9 @@ TEST(KernelCurves, LineAndCompositeJoinTheirPieces)
     EXPECT_EQ(params[8], 4.0);
     EXPECT_EQ(square.GetBoundRect(), (TRect2D{{0, 0}, {1, 1}}));
     EXPECT_THROW(square.GetCurve(4), EArgumentOutOfRangeException);
+    EXPECT_EQ(square.GetPoint(NAN), TPoint2D(0, 0));
+    EXPECT_EQ(square.GetPoint(1e300), TPoint2D(0, 0));
+    EXPECT_EQ(line.GetPoint(NAN), TPoint2D(0, 0));
 
     const TGeCompositeCurve2D empty({});
     EXPECT_EQ(empty.GetCurveCount(), 0);
