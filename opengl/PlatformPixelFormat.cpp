@@ -131,8 +131,13 @@ int DescribePixelFormat(HDC dc, int pixelFormat, unsigned bytes, PIXELFORMATDESC
         pfd->cStencilBits = get(EGL_STENCIL_SIZE);
         pfd->iLayerType = PFD_MAIN_PLANE;
     }
+    // The highest format number, as on Windows.
+    EGLint count = 0;
+    eglGetConfigs(dc->Display, nullptr, 0, &count);
+    std::vector<EGLConfig> configs(static_cast<std::size_t>(std::max(count, 0)));
+    eglGetConfigs(dc->Display, configs.data(), count, &count);
     int highest = 0;
-    for (EGLConfig each : AllConfigs(dc->Display, nullptr))
+    for (EGLConfig each : configs)
         highest = std::max(highest, detail::ConfigAttribute(dc->Display, each, EGL_CONFIG_ID));
     return highest;
 }

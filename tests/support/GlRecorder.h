@@ -62,7 +62,10 @@ public:
 
 private:
     template <auto* Slot, typename Fn = std::remove_pointer_t<decltype(Slot)>>
-    struct Fake;
+    struct Fake {
+        static_assert(sizeof(Fn) == 0, "Record<&dglOpenGL::name>: name an entry-point variable, "
+                                       "not a function of the same name");
+    };
 
     void Swap(void* slot, void* fake, std::function<void()> reset);
 
