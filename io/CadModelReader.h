@@ -1,0 +1,19 @@
+// Reads a whole IGES or STEP file into plain face values, one face at a time, each inside its
+// own guard, so that one bad face costs only itself.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "io/CadFaceData.h"
+
+namespace orvane::io {
+
+// Told after each face: how many are done, of how many.
+using ProgressFn = std::function<void(int Done, int Total)>;
+
+// Reads Path in this process. Raises ECadFileError (CadFileReader.h) for a file that cannot be
+// read or holds no faces: "<path> holds no faces".
+CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress = {});
+
+}  // namespace orvane::io
