@@ -1,10 +1,13 @@
 // The WGL names over EGL: rendering contexts, the current context and device context, and the
 // procedure and extension look-ups.
 #include <cstring>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "opengl/ContextOffer.h"
 #include "opengl/EglLibrary.h"
+#include "opengl/GlRegistry.h"
 #include "opengl/PlatformInternal.h"
 #include "opengl/dglOpenGL.h"
 
@@ -92,6 +95,17 @@ const TWGLFunction kWGLFunctions[] = {
     {"wglGetExtensionsStringEXT", reinterpret_cast<PROC>(&wglGetExtensionsStringEXT)},
 };
 
+bool KnownToRegistry(std::string_view name)
+{
+    static const auto eglNames = [] {
+        std::unordered_set<std::string_view> names;
+        for (const auto& slot : registry::EGLCommands())
+            names.insert(slot.Name);
+        return names;
+    }();
+    return registry::FindGLCommand(name) != nullptr || eglNames.count(name) != 0;
+}
+
 }  // namespace
 
 PROC PlatformWGLFunction(const char* name)
@@ -175,7 +189,11 @@ PROC wglGetProcAddress(const char* name)
         return nullptr;
     if (PROC function = PlatformWGLFunction(name))
         return function;
-    return EGLLibraryHandle() && eglGetProcAddress ? eglGetProcAddress(name) : nullptr;
+    // eglGetProcAddress answers every name with a dispatch stub, so it is asked only for the
+    // GL and EGL names of the registry; any other name has no address here.
+    if (!KnownToRegistry(name) || !EGLLibraryHandle() || !eglGetProcAddress)
+        return nullptr;
+    return eglGetProcAddress(name);
 }
 
 const char* wglGetExtensionsStringEXT()

@@ -101,10 +101,14 @@ void* dglGetProcAddress(const char* procName, void* libHandle)
 
 bool InitOpenGL(const std::string& libName, const std::string& gluName)
 {
+    // The new libraries are opened before the held ones are released, so that a library named
+    // again stays mapped and the variables that point into it stay valid meanwhile.
+    void* gl = Load(libName);
+    void* glu = Load(gluName);
     Release(GL_LibHandle);
     Release(GLU_LibHandle);
-    GL_LibHandle = Load(libName);
-    GLU_LibHandle = Load(gluName);
+    GL_LibHandle = gl;
+    GLU_LibHandle = glu;
     if (GL_LibHandle)
         ResolveWGL();
     if (GLU_LibHandle)

@@ -1,5 +1,8 @@
 #include "tests/support/GlTableSnapshot.h"
 
+#include <dlfcn.h>
+#include <link.h>
+
 #include "opengl/GL.h"
 #include "opengl/GLu.h"
 #include "opengl/GlRegistry.h"
@@ -18,12 +21,23 @@ void SaveSlots(Table table, std::vector<std::pair<void*, void*>>& out)
         out.emplace_back(entry.Slot, registry::SlotValue(entry.Slot));
 }
 
+// Takes one more reference to a loaded library, never given back: a test that releases the
+// library must not unmap what the restored variables point into.
+void Pin(void* handle)
+{
+    link_map* map = nullptr;
+    if (handle && dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map && map->l_name[0] != 0)
+        dlopen(map->l_name, RTLD_NOW | RTLD_NOLOAD);
+}
+
 }  // namespace
 
 GlTableSnapshot::GlTableSnapshot()
     : FGLLib(dglOpenGL::GL_LibHandle), FGLULib(dglOpenGL::GLU_LibHandle),
       FLastPixelFormat(dglOpenGL::LastPixelFormat)
 {
+    Pin(FGLLib);
+    Pin(FGLULib);
     SaveSlots(registry::GLCommands(), FSlots);
     for (auto table : {registry::GLUCommands(), registry::WGLCommands(),
                        GL::EntryPoints(), GLu::EntryPoints()})
