@@ -86,14 +86,14 @@ public:
         }
     }
 
+    // The unit is added first and filled in place: list items are copied, not moved.
     void Flush()
     {
         if (FPoints.empty()) return;
-        TViewUnit unit;
-        unit.Points2D = TVPoint2DList(std::move(FPoints));
+        TViewUnit& unit = FUnits.GetItem(FUnits.Add(TViewUnit()));
         unit.DrawMode = GL_QUADS;
-        FUnits.Add(std::move(unit));
-        FPoints = {};
+        unit.Points2D.AddRange(FPoints);
+        FPoints.clear();
     }
 
 private:
