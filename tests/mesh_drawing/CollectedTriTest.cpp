@@ -8,7 +8,10 @@
 #include <random>
 #include <vector>
 
+#include "contracts/Interfaces.h"
+#include "contracts/Shapes.h"
 #include "mesh_drawing/CollectedTri.h"
+#include "tessellation/uTessQuadsTriangulator.h"
 #include "tests/mesh_drawing/CollectedTriProbe.h"
 
 namespace orvane {
@@ -111,6 +114,35 @@ TEST(CollectedTriMerge, EmptyInputGivesEmptyOutput)
     EXPECT_TRUE(v.empty());
     EXPECT_TRUE(n.empty());
     EXPECT_TRUE(index.empty());
+}
+
+TEST(CollectedTriMerge, QuadRoadMeshesOfEveryShapeLoseNoTriangle)
+{
+    TInterfacePtr<IGeSurfaceTriangulator> service(new TQuadSurfaceTriangulator());
+    for (const std::string& name : ShapeNames()) {
+        SCOPED_TRACE(name);
+        const auto surface = MakeShape(name);
+        TFloatDynArray tri, norm;
+        service->Triangulate(surface.get(), tri, norm);
+        ASSERT_GT(tri.size(), 0u);
+
+        TFloatDynArray outV = tri, outN = norm;
+        TDynGLinteger index;
+        Merge(outV, outN, index);
+        ExpectExactMerge(tri, norm, outV, outN, index);
+        EXPECT_LT(outV.size(), tri.size());  // shared corners were merged
+
+        // Through the collected mesh: each triangle's corners, rounded, at their indices.
+        TCollectedTri mesh(true);
+        mesh.LoadOuter(tri, norm);
+        ASSERT_EQ(mesh.IndexOut().size() * 3, tri.size());
+        for (std::size_t i = 0; i < mesh.IndexOut().size(); ++i)
+            for (std::size_t k = 0; k < 3; ++k) {
+                const std::size_t at = 3 * static_cast<std::size_t>(mesh.IndexOut()[i]) + k;
+                ASSERT_EQ(mesh.TriOut()[at], static_cast<float>(tri[3 * i + k])) << "vertex " << i;
+                ASSERT_EQ(mesh.NormOut()[at], static_cast<float>(norm[3 * i + k])) << "vertex " << i;
+            }
+    }
 }
 
 TEST(CollectedTriLoad, DoublesAreMergedBeforeRoundingAndCallerArraysStay)
