@@ -1,0 +1,256 @@
+// The immediate drawing functions through recording fakes: the calls they make, in order, and
+// the vertices that reach OpenGL.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "immediate/zqglUtils.h"
+#include "tests/support/GlRecorder.h"
+
+namespace orvane {
+namespace {
+
+using testing::GlRecorder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+namespace gl = dglOpenGL;
+
+std::string N(unsigned value) { return std::to_string(value); }
+
+// Records the array drawing entries and keeps the floats that glInterleavedArrays (or
+// glVertexPointer) pointed at when glDrawArrays ran.
+class ArrayDraw {
+public:
+    ArrayDraw()
+    {
+        FRec.Record<&gl::glInterleavedArrays>([this](gl::GLenum format, gl::GLsizei, const void* data) {
+            FFormat = format;
+            FData = data;
+        });
+        FRec.Record<&gl::glVertexPointer>([this](gl::GLint, gl::GLenum, gl::GLsizei, const void* data) {
+            FFormat = gl::GL_V3F;
+            FData = data;
+        });
+        FRec.Record<&gl::glNormalPointer>();
+        FRec.Record<&gl::glDrawArrays>([this](gl::GLenum, gl::GLint, gl::GLsizei count) {
+            const std::size_t floats = count * (FFormat == gl::GL_V2F ? 2u : FFormat == gl::GL_C3F_V3F ? 6u : 3u);
+            const auto* f = static_cast<const float*>(FData);
+            Floats.assign(f, f + floats);
+            if (FFormat == gl::GL_C4UB_V2F) {
+                Colored.resize(count);
+                std::memcpy(Colored.data(), FData, count * sizeof(TGLColor4UB2V));
+            }
+        });
+    }
+    std::vector<std::string> Texts() const { return FRec.Texts(); }
+    std::vector<float> Floats;
+    std::vector<TGLColor4UB2V> Colored;
+
+private:
+    GlRecorder FRec;
+    gl::GLenum FFormat = 0;
+    const void* FData = nullptr;
+};
+
+TEST(zqglUtils, FixedShapesGoAsInterleavedArrays)
+{
+    {
+        ArrayDraw d;
+        zqglDrawRect({1, 2}, {3, 4});
+        EXPECT_THAT(d.Texts(), ElementsAre("glInterleavedArrays(" + N(gl::GL_V2F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 4)"));
+        EXPECT_THAT(d.Floats, ElementsAre(1, 2, 1, 4, 3, 4, 3, 2));
+    }
+    {
+        ArrayDraw d;
+        zqglDrawTri(TPoint2D{0.1, 0.2}, TPoint2D{1, 2}, TPoint2D{3, 4});
+        EXPECT_THAT(d.Texts()[1], "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 3)");
+        EXPECT_THAT(d.Floats, ElementsAre(0.1f, 0.2f, 1, 2, 3, 4));
+    }
+    {
+        ArrayDraw d;
+        zqglDrawTri(TPoint3D{1, 2, 3}, TPoint3D{4, 5, 6}, TPoint3D{7, 8, 9});
+        EXPECT_THAT(d.Texts(), ElementsAre("glInterleavedArrays(" + N(gl::GL_V3F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 3)"));
+        EXPECT_THAT(d.Floats, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9));
+    }
+    {
+        ArrayDraw d;
+        zqglDrawLines({0, 0}, {1, 0}, {1, 1});
+        zqglDrawLine(TPoint3D{1, 2, 3}, TPoint3D{4, 5, 6});
+        zqglDrawPoint(TPoint2D{7, 8});
+        EXPECT_THAT(d.Texts(), ElementsAre("glInterleavedArrays(" + N(gl::GL_V2F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINE_STRIP) + ", 0, 3)",
+                                           "glInterleavedArrays(" + N(gl::GL_V3F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINES) + ", 0, 2)",
+                                           "glInterleavedArrays(" + N(gl::GL_V2F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_POINTS) + ", 0, 1)"));
+    }
+}
+
+TEST(zqglUtils, ColoursAreLowByteRed)
+{
+    {
+        GlRecorder rec;
+        rec.Record<&gl::glColor3ub>();
+        rec.Record<&gl::glClearColor>();
+        zqglSetColor(0x0000FF);
+        zqglSetColor(0xFFFF00);
+        zqglSetColor(0xAB0000FF);
+        zqglSetColor(0);
+        zqglSetClearColor(0x0080FF);
+        zqglSetClearColor(0);
+        EXPECT_THAT(rec.Texts(), ElementsAre("glColor3ub(255, 0, 0)", "glColor3ub(0, 255, 255)", "glColor3ub(255, 0, 0)",
+                                             "glColor3ub(0, 0, 0)", "glClearColor(1, 0.501961, 0, 1)",
+                                             "glClearColor(0, 0, 0, 1)"));
+        EXPECT_EQ(rec.Calls()[4].Args[1], static_cast<double>(static_cast<float>(128 / 255.0)));
+    }
+
+    ArrayDraw d;
+    zqglDrawFilledRect({1, 2}, {3, 4}, 0xFF332211);
+    EXPECT_EQ(d.Texts()[0], "glInterleavedArrays(" + N(gl::GL_C4UB_V2F) + ", 0, ptr)");
+    EXPECT_EQ(d.Texts()[1], "glDrawArrays(" + N(gl::GL_QUADS) + ", 0, 4)");
+    ASSERT_EQ(d.Colored.size(), 4u);
+    for (const TGLColor4UB2V& v : d.Colored) {
+        EXPECT_EQ(v.R, 0x11);
+        EXPECT_EQ(v.G, 0x22);
+        EXPECT_EQ(v.B, 0x33);
+        EXPECT_EQ(v.A, 255);
+    }
+    EXPECT_EQ(d.Colored[1].X, 1.0f);
+    EXPECT_EQ(d.Colored[1].Y, 4.0f);
+
+    zqglDrawPoint(TPoint3D{4, 5, 6}, 0x00FF33);
+    EXPECT_EQ(d.Texts()[2], "glInterleavedArrays(" + N(gl::GL_C3F_V3F) + ", 0, ptr)");
+    EXPECT_THAT(d.Floats, ElementsAre(static_cast<float>(0x33 / 255.0), 1, 0, 4, 5, 6));
+}
+
+TEST(zqglUtils, ArraysOfFloatsAndIntegersDrawWholeVertices)
+{
+    const std::vector<float> values = {1, 2, 3, 4, 5, 6, 7, 8};
+    {
+        ArrayDraw d;
+        zqglDrawPolyLine(std::span<const float>(values), true);
+        zqglDrawPolyLine(std::span<const float>(values), false);
+        zqglDrawTrangle(values);
+        EXPECT_THAT(d.Texts(), ElementsAre("glInterleavedArrays(" + N(gl::GL_V3F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 2)",
+                                           "glInterleavedArrays(" + N(gl::GL_V3F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_LINE_STRIP) + ", 0, 2)",
+                                           "glInterleavedArrays(" + N(gl::GL_V3F) + ", 0, ptr)",
+                                           "glDrawArrays(" + N(gl::GL_TRIANGLE_STRIP) + ", 0, 2)"));
+        EXPECT_THAT(d.Floats, ElementsAre(1, 2, 3, 4, 5, 6));
+    }
+    {
+        ArrayDraw d;
+        zqglDrawPolyLine(TDynPoints2D{{0.5, 1}, {2, 3}, {4, 5}}, false);
+        EXPECT_THAT(d.Floats, ElementsAre(0.5f, 1, 2, 3, 4, 5));
+        zqglDrawPolyLine(TDynPoints3D{{1, 2, 3}, {4, 5, 6}}, true);
+        EXPECT_THAT(d.Floats, ElementsAre(1, 2, 3, 4, 5, 6));
+        EXPECT_EQ(d.Texts()[3], "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 2)");
+    }
+    {
+        GlRecorder rec;
+        rec.Record<&gl::glVertexPointer>();
+        rec.Record<&gl::glNormalPointer>();
+        rec.Record<&gl::glDrawArrays>();
+        rec.Record<&gl::glInterleavedArrays>();
+        rec.Record<&gl::glEnableClientState>();
+        const std::vector<std::uint32_t> ints = {1, 2, 3, 4, 5, 6, 7};
+        zqglDrawPolyLine(std::span<const std::uint32_t>(ints), true);
+        zqglDrawPtArr(values, values, 2, gl::GL_TRIANGLES);
+        EXPECT_THAT(rec.Texts(), ElementsAre("glVertexPointer(3, " + N(gl::GL_INT) + ", 0, ptr)",
+                                             "glDrawArrays(" + N(gl::GL_LINE_LOOP) + ", 0, 2)",
+                                             "glNormalPointer(" + N(gl::GL_FLOAT) + ", 0, ptr)",
+                                             "glVertexPointer(3, " + N(gl::GL_FLOAT) + ", 0, ptr)",
+                                             "glDrawArrays(" + N(gl::GL_TRIANGLES) + ", 0, 2)"));
+    }
+}
+
+TEST(zqglUtils, BeginEndFormsAndWidths)
+{
+    GlRecorder rec;
+    rec.Record<&gl::glBegin>();
+    rec.Record<&gl::glEnd>();
+    rec.Record<&gl::glVertex2i>();
+    rec.Record<&gl::glVertex3d>();
+    rec.Record<&gl::glPointSize>();
+    rec.Record<&gl::glLineWidth>();
+    zqglDrawPoint(TPoint{3, -4});
+    zqglDrawPoint(TGLPoint3D{0.1f, 2, 3});
+    zqglSetPointWidth(3);
+    zqglSetLineWidth(2);
+    EXPECT_THAT(rec.Texts(), ElementsAre("glBegin(0)", "glVertex2i(3, -4)", "glEnd()", "glBegin(0)",
+                                         "glVertex3d(0.1, 2, 3)", "glEnd()", "glPointSize(3)", "glLineWidth(2)"));
+    // The single widened, not the double 0.1.
+    EXPECT_EQ(rec.Calls()[4].Args[0], static_cast<double>(0.1f));
+}
+
+TEST(zqglUtils, BezierCurvesRunOverZeroToSteps)
+{
+    GlRecorder rec;
+    rec.Record<&gl::glMap1d>();
+    rec.Record<&gl::glEnable>();
+    rec.Record<&gl::glDisable>();
+    rec.Record<&gl::glMapGrid1d>();
+    rec.Record<&gl::glEvalMesh1>();
+    const TDynPoints3D points = {{0, 0, 0}, {1, 1, 0}, {2, 1, 0}, {3, 0, 0}, {4, 0, 0}, {5, 1, 0}, {6, 1, 0}, {7, 0, 0}};
+    zqglDrawBezier(points, 10);
+    const std::string map = "glMap1d(" + N(gl::GL_MAP1_VERTEX_3) + ", 0, 10, 3, ";
+    const std::string grid = "glMapGrid1d(10, 0, 10)";
+    const std::string eval = "glEvalMesh1(" + N(gl::GL_LINE) + ", 0, 10)";
+    const std::string on = "glEnable(" + N(gl::GL_MAP1_VERTEX_3) + ")";
+    const std::string off = "glDisable(" + N(gl::GL_MAP1_VERTEX_3) + ")";
+    EXPECT_THAT(rec.Texts(), ElementsAre(map + "8, ptr)", on, grid, eval, off));
+    EXPECT_EQ(rec.Calls()[0].Pointer(5), points.data());
+
+    // Separate cubic curves of four points each; a last group of fewer points is not drawn.
+    rec.Clear();
+    TDynPoints3D ten = points;
+    ten.insert(ten.end(), {{8, 0, 0}, {9, 0, 0}});
+    zqglDrawBezierByFour(ten, 10);
+    EXPECT_THAT(rec.Texts(), ElementsAre(on, map + "4, ptr)", grid, eval, map + "4, ptr)", grid, eval, off));
+}
+
+TEST(zqglUtils, TextureQuadsLeaveTexturingOn)
+{
+    GlRecorder rec;
+    rec.Record<&gl::glEnable>();
+    rec.Record<&gl::glDisable>();
+    rec.Record<&gl::glBindTexture>();
+    rec.Record<&gl::glBegin>();
+    rec.Record<&gl::glEnd>();
+    rec.Record<&gl::glTexCoord2d>();
+    rec.Record<&gl::glVertex3d>();
+    zqglDrawTexture({}, {}, 5, false);
+    const std::string tex = N(gl::GL_TEXTURE_2D);
+    EXPECT_THAT(rec.Texts(), ElementsAre("glEnable(" + tex + ")", "glBindTexture(" + tex + ", 5)",
+                                         "glBegin(" + N(gl::GL_QUADS) + ")", "glEnd()", "glBindTexture(" + tex + ", 0)"));
+    rec.Clear();
+    zqglDrawTexture({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {1, 1, 1}}, {{0, 0}, {1, 0}, {1, 1}, {0.25, 1}}, 7, true);
+    EXPECT_EQ(rec.Count("glTexCoord2d"), 4u);
+    EXPECT_EQ(rec.Texts()[5], "glTexCoord2d(1, 0)");
+    EXPECT_EQ(rec.Texts()[6], "glVertex3d(4, 5, 6)");
+    EXPECT_EQ(rec.Count("glDisable"), 0u);
+}
+
+TEST(zqglUtils, NurbsRendererAndFloatArrays)
+{
+    GlRecorder rec;
+    rec.Record<&gl::gluNewNurbsRenderer>([] { return reinterpret_cast<gl::GLUnurbs*>(0x40); });
+    rec.Record<&gl::gluNurbsProperty>();
+    EXPECT_EQ(zqglNewNurbObjRender(60.0), reinterpret_cast<gl::GLUnurbs*>(0x40));
+    EXPECT_THAT(rec.Texts(), ElementsAre("gluNewNurbsRenderer()",
+                                         "gluNurbsProperty(ptr, " + N(gl::GLU_SAMPLING_TOLERANCE) + ", 60)"));
+
+    TDynGLFloat result = {9, 9, 9, 9};
+    FloatDynArrayToDynGLFloat({0.1, -2.5, 3.0}, result);
+    EXPECT_THAT(result, ElementsAre(0.1f, -2.5f, 3.0f));
+    FloatDynArrayToDynGLFloat({}, result);
+    EXPECT_THAT(result, IsEmpty());
+}
+
+}  // namespace
+}  // namespace orvane
