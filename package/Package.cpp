@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "glu_triangulation/uTriangulate.h"
+#include "immediate/zqglUtils.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 
 namespace orvane {
@@ -12,14 +14,14 @@ namespace {
 constexpr std::array kUnits{
     TPackageUnit{"dglOpenGL", nullptr, nullptr},
     TPackageUnit{"uGLHandleObj", nullptr, nullptr},
-    TPackageUnit{"zqglUtils", nullptr, nullptr},
+    TPackageUnit{"zqglUtils", nullptr, StopUnit_zqglUtils},
     TPackageUnit{"GL", nullptr, nullptr},
     TPackageUnit{"GLMatrix", nullptr, nullptr},
     TPackageUnit{"GLTriangles", nullptr, nullptr},
     TPackageUnit{"GLu", nullptr, nullptr},
     TPackageUnit{"TextureLoadUnit", nullptr, nullptr},
     TPackageUnit{"UDrawViewUnitTool", nullptr, nullptr},
-    TPackageUnit{"uTriangulate", nullptr, nullptr},
+    TPackageUnit{"uTriangulate", StartUnit_uTriangulate, StopUnit_uTriangulate},
     TPackageUnit{"uTessQuadsTriangulator", StartUnit_uTessQuadsTriangulator, StopUnit_uTessQuadsTriangulator},
 };
 
