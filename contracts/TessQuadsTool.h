@@ -24,8 +24,10 @@ public:
     // - Columns of width at most XTol cut the region's X extent into equal parts. Each quad
     //   has a vertical left side P3-P0 and a vertical right side P2-P1, each at most YTol
     //   long; P0 is top-left, P1 top-right, P2 bottom-right, P3 bottom-left, clockwise with Y
-    //   up, whatever the input's winding. A quad may be a triangle (P0 = P3 or P1 = P2); none
-    //   has zero area, and every quad is convex (a trapezoid with vertical sides).
+    //   up, whatever the input's winding: so a quad's flat normal (P1 - P0) x (P3 - P0) on a
+    //   surface points like the surface normal taken from its Y step before its X step. A
+    //   quad may be a triangle (P0 = P3 or P1 = P2); none has zero area, and every quad is
+    //   convex (a trapezoid with vertical sides).
     // - The quads cover the region exactly and do not overlap. Any quad edge that is not on
     //   the region's boundary is shared, with bit-identical end points, by exactly one other
     //   quad's edge: where a column meets the next, P1/P2 of one meet P0/P3 of the other.

@@ -284,7 +284,7 @@ void ExpectQuadProperties(const QuadLoops& loops, double XTol, double YTol, cons
     EXPECT_EQ(CheckShapes(quads, XTol, YTol), "");
     EXPECT_EQ(CheckNoOverlap(quads), "");
     EXPECT_EQ(CheckNoCracks(quads, loops, 1e-8 * scale), "");
-    EXPECT_EQ(CheckCoverage(quads, loops, 400, seed, 1e-7 * scale), "");
+    EXPECT_EQ(CheckCoverage(quads, loops, 300, seed, 1e-7 * scale), "");
     EXPECT_EQ(CheckColumnOrder(quads), "");
 }
 

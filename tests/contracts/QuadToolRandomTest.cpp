@@ -41,8 +41,8 @@ public:
             region.XTol = Uniform(2, 16) / 64.0 * scale;
             region.YTol = Uniform(2, 16) / 64.0 * scale;
         } else {
-            region.XTol = Real(0.03, 0.6) * scale;
-            region.YTol = Real(0.03, 0.6) * scale;
+            region.XTol = Real(0.05, 0.6) * scale;
+            region.YTol = Real(0.05, 0.6) * scale;
         }
         return region;
     }
