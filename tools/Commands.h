@@ -8,6 +8,7 @@ namespace orvane::tools {
 void AddLabelCommand(CLI::App& app);
 void AddGlinfoCommand(CLI::App& app);
 void AddShapesCommand(CLI::App& app);
+void AddRenderCommand(CLI::App& app);
 void AddQuadsCommand(CLI::App& app);
 
 

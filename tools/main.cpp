@@ -11,6 +11,7 @@ int main(int argc, char** argv)
     orvane::tools::AddLabelCommand(app);
     orvane::tools::AddGlinfoCommand(app);
     orvane::tools::AddShapesCommand(app);
+    orvane::tools::AddRenderCommand(app);
     orvane::tools::AddQuadsCommand(app);
     try {
         app.parse(argc, argv);
