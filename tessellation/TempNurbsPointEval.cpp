@@ -1,8 +1,42 @@
 #include "tessellation/TempNurbsPointEval.h"
 
+#include <algorithm>
+#include <array>
+
 #include "contracts/Cadtypes.h"
 
 namespace orvane {
+
+namespace {
+
+// Basis values and the recursion's scratch of one direction.
+class TScratch {
+public:
+    explicit TScratch(int Degree)
+    {
+        const std::size_t need = 3 * static_cast<std::size_t>(Degree) + 5;
+        double* base = FLocal.data();
+        if (need > FLocal.size()) {
+            FHeap.resize(need);
+            base = FHeap.data();
+        }
+        N = base;
+        Left = base + Degree + 1;
+        Right = Left + Degree + 2;
+    }
+    TScratch(const TScratch&) = delete;
+    TScratch& operator=(const TScratch&) = delete;
+
+    double* N;
+    double* Left;
+    double* Right;
+
+private:
+    std::array<double, 32> FLocal;  // filled before it is read
+    std::vector<double> FHeap;
+};
+
+}  // namespace
 
 TPoint3D TTempNurbsPointEval::EvalPointOnNurbsSurface(const TGeNurbsSurface& ANurbsSurface,
                                                         const TPoint2D& APoint) const
@@ -10,8 +44,11 @@ TPoint3D TTempNurbsPointEval::EvalPointOnNurbsSurface(const TGeNurbsSurface& ANu
     const TGeNurbsSurface& s = ANurbsSurface;
     const int spanU = FindKnotSpan(APoint.X, s.KnotsU, s.DegreeU);
     const int spanV = FindKnotSpan(APoint.Y, s.KnotsV, s.DegreeV);
-    const std::vector<double> nu = BasisFunctions(spanU, APoint.X, s.DegreeU, s.KnotsU);
-    const std::vector<double> nv = BasisFunctions(spanV, APoint.Y, s.DegreeV, s.KnotsV);
+    // Scratch on the stack for usual degrees, on the heap beyond them.
+    TScratch nu(s.DegreeU);
+    TScratch nv(s.DegreeV);
+    BasisFunctionsInto(spanU, APoint.X, s.DegreeU, s.KnotsU, nu.N, nu.Left, nu.Right);
+    BasisFunctionsInto(spanV, APoint.Y, s.DegreeV, s.KnotsV, nv.N, nv.Left, nv.Right);
 
     TPoint3D result = TPoint3D::FZero;
     double w = 0.0;
@@ -21,12 +58,12 @@ TPoint3D TTempNurbsPointEval::EvalPointOnNurbsSurface(const TGeNurbsSurface& ANu
         const int j = spanV - s.DegreeV + l;
         for (int m = 0; m <= s.DegreeU; ++m) {
             const int i = spanU - s.DegreeU + m;
-            const double t = nu[static_cast<std::size_t>(m)] * s.GetWeight(i, j);
+            const double t = nu.N[m] * s.GetWeight(i, j);
             rowW += t;
             row += t * s.GetCtrlPoint(i, j);
         }
-        w += rowW * nv[static_cast<std::size_t>(l)];
-        result += row * nv[static_cast<std::size_t>(l)];
+        w += rowW * nv.N[l];
+        result += row * nv.N[l];
     }
     // Control points are Cartesian and weighted above; a non-rational surface has weights 1.
     if (s.GetRational()) result = result / w;
@@ -56,31 +93,41 @@ std::vector<double> TTempNurbsPointEval::BasisFunctions(int Span, double U, int 
                                                         const std::vector<double>& K) const
 {
     const std::size_t p = static_cast<std::size_t>(P);
-    std::vector<double> n(p + 1, 0.0);
+    std::vector<double> n(p + 1);
+    std::vector<double> left(p + 2);
+    std::vector<double> right(p + 2);
+    BasisFunctionsInto(Span, U, P, K, n.data(), left.data(), right.data());
+    return n;
+}
+
+void TTempNurbsPointEval::BasisFunctionsInto(int Span, double U, int P, const std::vector<double>& K, double* N,
+                                             double* Left, double* Right) const
+{
+    const std::size_t p = static_cast<std::size_t>(P);
+    std::fill(N, N + p + 1, 0.0);
     if (fSmall(U, K.front() - 2 * FSampleTolerance, 1e-6)) {
-        n[0] = 1.0;
-        return n;
+        N[0] = 1.0;
+        return;
     }
     if (fGreat(U, K.back() + 2 * FSampleTolerance, 1e-6)) {
-        n[p] = 1.0;
-        return n;
+        N[p] = 1.0;
+        return;
     }
-    std::vector<double> left(p + 2, 0.0);
-    std::vector<double> right(p + 2, 0.0);
+    std::fill(Left, Left + p + 2, 0.0);
+    std::fill(Right, Right + p + 2, 0.0);
     const std::size_t span = static_cast<std::size_t>(Span);
-    n[0] = 1.0;
+    N[0] = 1.0;
     for (std::size_t j = 1; j <= p; ++j) {
-        left[j] = U - K[span + 1 - j];
-        right[j] = K[span + j] - U;
+        Left[j] = U - K[span + 1 - j];
+        Right[j] = K[span + j] - U;
         double saved = 0.0;
         for (std::size_t r = 0; r < j; ++r) {
-            const double temp = n[r] / (right[r + 1] + left[j - r]);
-            n[r] = saved + right[r + 1] * temp;
-            saved = left[j - r] * temp;
+            const double temp = N[r] / (Right[r + 1] + Left[j - r]);
+            N[r] = saved + Right[r + 1] * temp;
+            saved = Left[j - r] * temp;
         }
-        n[j] = saved;
+        N[j] = saved;
     }
-    return n;
 }
 
 }  // namespace orvane

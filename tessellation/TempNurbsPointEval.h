@@ -25,6 +25,10 @@ public:
     std::vector<double> BasisFunctions(int Span, double U, int P, const std::vector<double>& K) const;
 
 private:
+    // The same into N (P + 1 doubles), with Left and Right scratch of P + 2 doubles each.
+    void BasisFunctionsInto(int Span, double U, int P, const std::vector<double>& K, double* N, double* Left,
+                            double* Right) const;
+
     double FSampleTolerance;
 };
 
