@@ -283,7 +283,21 @@ void Reverse(std::vector<LoopCurve>& curves)
     for (LoopCurve& c : curves) c.Curve->Reverse();
 }
 
-TrimCurveData CurveData(const Curve2d& c)
+// Poles within rounding outside the surface's range are put on its edge: a loop that runs
+// along a seam or a pole comes out of the conversion a hair outside, and GLU's trimming takes
+// such a loop for one that crosses the boundary.
+void SnapIntoDomain(TPoint2D& p, const TRect2D& d)
+{
+    const double snapU = 1e-9 * std::max(1.0, d.Width()), snapV = 1e-9 * std::max(1.0, d.Height());
+    auto snap = [](double& x, double lo, double hi, double tol) {
+        if (x < lo && x > lo - tol) x = lo;
+        if (x > hi && x < hi + tol) x = hi;
+    };
+    snap(p.X, d.Min.X, d.Max.X, snapU);
+    snap(p.Y, d.Min.Y, d.Max.Y, snapV);
+}
+
+TrimCurveData CurveData(const Curve2d& c, const TRect2D& domain)
 {
     TrimCurveData d;
     d.Degree = c->Degree();
@@ -292,6 +306,7 @@ TrimCurveData CurveData(const Curve2d& c)
     d.Knots = FlatKnots(knots);
     for (int i = 1; i <= c->NbPoles(); ++i) {
         d.Poles.push_back({c->Pole(i).X(), c->Pole(i).Y()});
+        SnapIntoDomain(d.Poles.back(), domain);
         if (c->IsRational()) d.Weights.push_back(c->Weight(i));
     }
     return d;
@@ -314,7 +329,7 @@ std::vector<LoopCurve> WireCurves(const TopoDS_Wire& wire, const TopoDS_Face& fa
     return curves;
 }
 
-std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSplineSurface)& s)
+std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSplineSurface)& s, const TRect2D& domain)
 {
     const TopoDS_Face forward = TopoDS::Face(face.Oriented(TopAbs_FORWARD));
     GeomAdaptor_Surface adaptor(s);
@@ -342,7 +357,7 @@ std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSpli
     for (std::size_t l = 0; l < loops.size(); ++l) {
         if ((l == 0) != (areas[l] > 0.0)) Reverse(loops[l]);
         TrimLoopData data;
-        for (const LoopCurve& c : loops[l]) data.push_back(CurveData(c.Curve));
+        for (const LoopCurve& c : loops[l]) data.push_back(CurveData(c.Curve, domain));
         result.push_back(std::move(data));
     }
     return result;
@@ -370,7 +385,7 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
     ShiftKnots(f.Surface.KnotsU, shift.X());
     ShiftKnots(f.Surface.KnotsV, shift.Y());
     if (auto problem = FindSurfaceProblem(f.Surface); !problem.empty()) throw EFaceSkipped(problem);
-    f.Loops = Loops(converted, s);
+    f.Loops = Loops(converted, s, f.Surface.Domain());
     f.Bounds = SampleDerivatives(s);
     f.ExactArea = FaceArea(face);
     return f;

@@ -1,5 +1,8 @@
 #include "io/KernelFace.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace orvane::io {
 
 std::unique_ptr<TGeNurbsSurface> BuildKernelSurface(const NurbsSurfaceData& S)
@@ -21,6 +24,29 @@ std::unique_ptr<TGeCurve2D> BuildKernelLoop(const TrimLoopData& L)
     curves.reserve(L.size());
     for (const TrimCurveData& c : L) curves.push_back(BuildKernelCurve(c));
     return std::make_unique<TGeCompositeCurve2D>(std::move(curves));
+}
+
+namespace {
+
+// Whether every pole of C lies on one and the same edge of D, within Tol.
+bool LiesOnOneEdge(const TrimCurveData& C, const TRect2D& D, double TolU, double TolV)
+{
+    auto all = [&](auto on) { return std::all_of(C.Poles.begin(), C.Poles.end(), on); };
+    return all([&](const TPoint2D& p) { return std::fabs(p.X - D.Min.X) <= TolU; }) ||
+           all([&](const TPoint2D& p) { return std::fabs(p.X - D.Max.X) <= TolU; }) ||
+           all([&](const TPoint2D& p) { return std::fabs(p.Y - D.Min.Y) <= TolV; }) ||
+           all([&](const TPoint2D& p) { return std::fabs(p.Y - D.Max.Y) <= TolV; });
+}
+
+}  // namespace
+
+bool CoversWholeDomain(const FaceData& F)
+{
+    if (F.Loops.size() != 1) return false;
+    const TRect2D d = F.Surface.Domain();
+    const double tolU = 1e-9 * std::max(1.0, d.Width()), tolV = 1e-9 * std::max(1.0, d.Height());
+    return std::all_of(F.Loops[0].begin(), F.Loops[0].end(),
+                       [&](const TrimCurveData& c) { return LiesOnOneEdge(c, d, tolU, tolV); });
 }
 
 std::unique_ptr<TGeTrimmedSurface> BuildKernelFace(const FaceData& F)

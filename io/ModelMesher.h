@@ -1,0 +1,53 @@
+// Tessellates every face of a read model through one of the two roads, and points the
+// result out of the material.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "contracts/Cadtypes.h"
+#include "io/CadFaceData.h"
+#include "io/CadModelReader.h"
+
+namespace orvane::io {
+
+enum class MeshRoad { Quad, Glu };
+
+struct MeshSettings {
+    MeshRoad Road = MeshRoad::Quad;
+    double Tolerance = 0.0;  // quad road, model units; 0: DefaultTolerance of the model
+    int ViewWidth = 1024;    // glu road: the view GLU samples in
+    int ViewHeight = 1024;
+    long long MaxQuads = 2'000'000;  // quad road, per face
+};
+
+// The chordal tolerance used when none is given: 1/2500 of the model's box diagonal.
+inline constexpr double kDefaultToleranceShare = 4e-4;
+double DefaultTolerance(const CadModelData& Model);
+
+struct FaceMesh {
+    int Number = 0;
+    std::string Name;
+    TFloatDynArray Tri;   // triangles, three vertices each, counter-clockwise seen from outside
+    TFloatDynArray Norm;  // the normal of each vertex, out of the material
+    long long PlannedQuads = 0;  // quad road: what the preparation expected
+};
+
+struct ModelMesh {
+    std::vector<FaceMesh> Faces;         // in the model's order, only faces with triangles
+    std::vector<SkippedFace> Skipped;    // the reader's, then those refused or left empty here
+    double Tolerance = 0.0;              // quad road: the one used
+    double ConvertSeconds = 0.0;         // building and preparing the kernel's faces
+    double TessellateSeconds = 0.0;      // the road itself, its normals and flat arrays included
+    double OrientSeconds = 0.0;          // turning faces out of the material, mending normals
+    std::size_t TriangleCount() const;
+};
+
+// Meshes every face. A face the kernel refuses, the preparation refuses, or the road leaves
+// empty becomes a skipped face with its reason; the rest go on.
+ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, const ProgressFn& Progress = {});
+
+// The faces' arrays, one after the other.
+void JoinFaces(const ModelMesh& Mesh, TFloatDynArray& Tri, TFloatDynArray& Norm);
+
+}  // namespace orvane::io

@@ -1,0 +1,128 @@
+#include "tests/io/MeshChecks.h"
+
+#include <algorithm>
+#include <map>
+
+#include <GeomAPI_ProjectPointOnSurf.hxx>
+#include <ShapeAnalysis_Surface.hxx>
+
+#include "io/OcctSurface.h"
+
+namespace orvane::io::testing {
+namespace {
+
+TPoint3D At(const TFloatDynArray& a, std::size_t v)
+{
+    return {a[3 * v], a[3 * v + 1], a[3 * v + 2]};
+}
+
+const FaceData& FaceOf(const CadModelData& model, int number)
+{
+    return *std::find_if(model.Faces.begin(), model.Faces.end(), [&](const FaceData& f) { return f.Number == number; });
+}
+
+// A projector onto the face's surface. Distances start each search from the point before
+// (the vertices come in runs of neighbours) and fall back on a global search.
+class Projector {
+public:
+    explicit Projector(const FaceData& f)
+        : FSurface(OcctSurface(f.Surface)), FAnalysis(new ShapeAnalysis_Surface(FSurface)), FSign(f.Reversed ? -1.0 : 1.0)
+    {
+        const TRect2D d = f.Surface.Domain();
+        FGlobal.Init(FSurface, d.Min.X, d.Max.X, d.Min.Y, d.Max.Y);
+    }
+    // Searches globally only where the search from the point before ends farther than Enough.
+    double Distance(const TPoint3D& p, double enough)
+    {
+        Project(p);
+        if (FAnalysis->Gap() <= enough) return FAnalysis->Gap();
+        // The search from the point before may end in a local minimum far away.
+        FGlobal.Perform(gp_Pnt(p.X, p.Y, p.Z));
+        return std::min(FAnalysis->Gap(), FGlobal.NbPoints() > 0 ? FGlobal.LowerDistance() : 1e300);
+    }
+    // The exact normal out of the material at the nearest point (a global search, slow but
+    // sure); zero at a pole.
+    TPoint3D Normal(const TPoint3D& p)
+    {
+        FGlobal.Perform(gp_Pnt(p.X, p.Y, p.Z));
+        if (FGlobal.NbPoints() == 0) return {};
+        double u, v;
+        FGlobal.LowerDistanceParameters(u, v);
+        gp_Pnt q;
+        gp_Vec su, sv;
+        FSurface->D1(u, v, q, su, sv);
+        const gp_Vec n = su.Crossed(sv);
+        if (n.Magnitude() < 1e-9 * (su.SquareMagnitude() + sv.SquareMagnitude())) return {};
+        const gp_Vec unit = n.Normalized() * FSign;
+        return {unit.X(), unit.Y(), unit.Z()};
+    }
+
+private:
+    gp_Pnt2d Project(const TPoint3D& p)
+    {
+        const gp_Pnt q(p.X, p.Y, p.Z);
+        FLast = FHasLast ? FAnalysis->NextValueOfUV(FLast, q, 1e-9) : FAnalysis->ValueOfUV(q, 1e-9);
+        FHasLast = true;
+        return FLast;
+    }
+    Handle(Geom_BSplineSurface) FSurface;
+    Handle(ShapeAnalysis_Surface) FAnalysis;
+    double FSign;
+    GeomAPI_ProjectPointOnSurf FGlobal;
+    gp_Pnt2d FLast;
+    bool FHasLast = false;
+};
+
+}  // namespace
+
+double MeshArea(const TFloatDynArray& tri)
+{
+    double area = 0.0;
+    for (std::size_t t = 0; t + 9 <= tri.size(); t += 9) {
+        const TPoint3D a = At(tri, t / 3), b = At(tri, t / 3 + 1), c = At(tri, t / 3 + 2);
+        area += (b - a).CrossMul(c - a).Length() / 2.0;
+    }
+    return area;
+}
+
+double SignedVolume(const TFloatDynArray& tri)
+{
+    double volume = 0.0;
+    for (std::size_t t = 0; t + 9 <= tri.size(); t += 9)
+        volume += At(tri, t / 3).DotMul(At(tri, t / 3 + 1).CrossMul(At(tri, t / 3 + 2))) / 6.0;
+    return volume;
+}
+
+double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh)
+{
+    const double enough = 1e-7 * model.Box.Diagonal();
+    double worst = 0.0;
+    for (const FaceMesh& f : mesh.Faces) {
+        Projector projector(FaceOf(model, f.Number));
+        // Each distinct vertex once: the triangles share them.
+        std::map<std::tuple<double, double, double>, bool> seen;
+        for (std::size_t v = 0; v < f.Tri.size() / 3; ++v) {
+            const TPoint3D p = At(f.Tri, v);
+            if (!seen.emplace(std::make_tuple(p.X, p.Y, p.Z), true).second) continue;
+            worst = std::max(worst, projector.Distance(p, enough));
+        }
+    }
+    return worst;
+}
+
+double WorstNormalAgreement(const CadModelData& model, const ModelMesh& mesh)
+{
+    double worst = 1.0;
+    for (const FaceMesh& f : mesh.Faces) {
+        Projector projector(FaceOf(model, f.Number));
+        const std::size_t count = f.Tri.size() / 3, step = std::max<std::size_t>(1, count / 50);
+        for (std::size_t v = 0; v < count; v += step) {
+            const TPoint3D exact = projector.Normal(At(f.Tri, v));
+            if (exact.Length() == 0.0) continue;
+            worst = std::min(worst, exact.DotMul(At(f.Norm, v)));
+        }
+    }
+    return worst;
+}
+
+}  // namespace orvane::io::testing

@@ -1,0 +1,19 @@
+// Measures of a model's mesh against the exact part: area, signed volume, and how far the
+// vertices lie from their faces' surfaces.
+#pragma once
+
+#include "io/CadFaceData.h"
+#include "io/ModelMesher.h"
+
+namespace orvane::io::testing {
+
+double MeshArea(const TFloatDynArray& tri);
+// Positive when the triangles run counter-clockwise seen from outside a closed mesh.
+double SignedVolume(const TFloatDynArray& tri);
+// The largest distance of a vertex of each face from that face's surface.
+double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh);
+// The smallest dot product of a vertex normal with the exact normal out of the material, over
+// a sample of vertices of every face (a pole's vertices, where there is no normal, left out).
+double WorstNormalAgreement(const CadModelData& model, const ModelMesh& mesh);
+
+}  // namespace orvane::io::testing
