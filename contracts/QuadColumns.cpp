@@ -105,13 +105,29 @@ private:
         for (; FNextSloped < sloped.size() && sloped[FNextSloped].X0 <= x; ++FNextSloped)
             if (sloped[FNextSloped].X1 >= x) FTouching.push_back(FNextSloped);
         FCur.X = x;
-        FCur.Crossings.clear();
+        FRaw.clear();
         for (std::size_t e : FTouching) {
             FYCur[e] = EdgeY(sloped[e], x);
-            FCur.Crossings.push_back(FYCur[e]);
+            FRaw.push_back(FYCur[e]);
         }
-        std::sort(FCur.Crossings.begin(), FCur.Crossings.end());
-        FCur.Crossings.erase(std::unique(FCur.Crossings.begin(), FCur.Crossings.end()), FCur.Crossings.end());
+        MergeCrossings();
+    }
+
+    // Crossings closer than YMergeTol (a cluster counted from its smallest value) become that
+    // smallest value, for the line and for every edge on it, so that no quad side is a few
+    // ulps long.
+    void MergeCrossings()
+    {
+        std::sort(FRaw.begin(), FRaw.end());
+        FRaw.erase(std::unique(FRaw.begin(), FRaw.end()), FRaw.end());
+        FMerged.resize(FRaw.size());
+        FCur.Crossings.clear();
+        for (std::size_t i = 0; i < FRaw.size(); ++i) {
+            if (i == 0 || FRaw[i] - FCur.Crossings.back() > FGrid.YMergeTol) FCur.Crossings.push_back(FRaw[i]);
+            FMerged[i] = FCur.Crossings.back();
+        }
+        for (std::size_t e : FTouching)
+            FYCur[e] = FMerged[static_cast<std::size_t>(std::lower_bound(FRaw.begin(), FRaw.end(), FYCur[e]) - FRaw.begin())];
     }
 
     // The trapezoids between the previous line and the current one. Edges are ordered by
@@ -162,6 +178,8 @@ private:
     std::vector<std::size_t> FSpanning;
     std::vector<std::size_t> FTouching;
     std::vector<SlabEdge> FSlab;
+    std::vector<double> FRaw;
+    std::vector<double> FMerged;
     QuadLine FPrev;
     QuadLine FCur;
     std::size_t FNextSloped = 0;

@@ -10,8 +10,9 @@
 namespace orvane {
 
 // A vertical line of the sweep: a column line or a breakpoint X. Crossings holds, sorted and
-// distinct, the Y of every sloped edge on the line, computed once per edge and line; both
-// pieces beside the line read these same doubles.
+// distinct, the Y of every sloped edge on the line, computed once per edge and line, with
+// values closer than the grid's YMergeTol merged; both pieces beside the line read these
+// same doubles.
 struct QuadLine {
     double X = 0.0;
     std::vector<double> Crossings;
