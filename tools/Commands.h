@@ -10,6 +10,7 @@ void AddGlinfoCommand(CLI::App& app);
 void AddShapesCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
 void AddQuadsCommand(CLI::App& app);
+void AddTessellateCommand(CLI::App& app);
 
 
 }  // namespace orvane::tools

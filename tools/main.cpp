@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     orvane::tools::AddShapesCommand(app);
     orvane::tools::AddRenderCommand(app);
     orvane::tools::AddQuadsCommand(app);
+    orvane::tools::AddTessellateCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
