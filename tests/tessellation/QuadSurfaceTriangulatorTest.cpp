@@ -115,7 +115,8 @@ TEST(QuadSurfaceTriangulatorTest, AUnitWithANaNVertexIsDroppedWholeAndOnlyIt)
     // The NaN stands in the last quad of the middle unit: not even its first quad is kept.
     std::vector<TPoint2D> broken = Join(kQuadB, kQuadA);
     broken[6] = {kNaN, 0.5};
-    svc->SetCreateDrawQuads(FixedQuadTool({QuadUnit(kQuadA), QuadUnit(broken), QuadUnit(kQuadB)}));
+    // An empty unit adds nothing either, and asks for no normal repair.
+    svc->SetCreateDrawQuads(FixedQuadTool({QuadUnit(kQuadA), QuadUnit({}), QuadUnit(broken), QuadUnit(kQuadB)}));
     TFloatDynArray tri, norm;
     svc->Quadrilateral(cylinder.get(), tri, norm);
     EXPECT_EQ(tri, alone);
@@ -233,13 +234,17 @@ TEST(QuadSurfaceTriangulatorTest, NormalsFollowTheSurfaceType)
 {
     TServiceUnderTest svc;
     const std::vector<TPoint2D> quads = Join(kQuadA, kQuadB);
-    svc->SetCreateDrawQuads(FixedQuadTool({QuadUnit(quads)}));
+    // An empty unit takes the branch of the flat normals and gives nothing.
+    svc->SetCreateDrawQuads(FixedQuadTool({QuadUnit({}), QuadUnit(quads)}));
+    MessageCapture messages;
 
     // UVDir: one surface normal, at the first point, on every vertex.
     const auto bilinear = MakeShape("bilinear");
     TFloatDynArray tri, norm;
     svc->Quadrilateral(bilinear.get(), tri, norm);
     ASSERT_EQ(svc->ExtrusionType(), TExtrusionType::UVDir);
+    ASSERT_THAT(norm, SizeIs(24));
+    EXPECT_THAT(messages.Texts(), IsEmpty());
     for (std::size_t i = 3; i < norm.size(); ++i) EXPECT_EQ(norm[i], norm[i % 3]) << i;
 
     // NotExtrusion: the four normals of a quad are its flat normal, and quads differ.
