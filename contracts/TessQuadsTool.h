@@ -23,7 +23,7 @@ public:
     // The result:
     // - Columns of width at most XTol cut the region's X extent into equal parts. Each quad
     //   has a vertical left side P3-P0 and a vertical right side P2-P1, each at most YTol
-    //   long; P0 is top-left, P1 top-right, P2 bottom-right, P3 bottom-left, clockwise with Y
+    //   long (plus twice the merge tolerance below where a merge took place); P0 is top-left, P1 top-right, P2 bottom-right, P3 bottom-left, clockwise with Y
     //   up, whatever the input's winding: so a quad's flat normal (P1 - P0) x (P3 - P0) on a
     //   surface points like the surface normal taken from its Y step before its X step. A
     //   quad may be a triangle (P0 = P3 or P1 = P2); none has zero area, and every quad is
@@ -32,8 +32,10 @@ public:
     //   the region's boundary is shared, with bit-identical end points, by exactly one other
     //   quad's edge: where a column meets the next, P1/P2 of one meet P0/P3 of the other.
     // - Inside a column the region is cut further at the X of every boundary vertex, so the
-    //   boundary runs straight across each quad; vertex X closer to a column line or to each
-    //   other than a billionth of a column width are merged, so no quad is a sliver.
+    //   boundary runs straight across each quad. No quad is a sliver: vertex X closer to a
+    //   column line or to each other than a billionth of a column width (and never less than
+    //   a few ulps) are merged, and so are boundary crossings of a vertical line closer than a
+    //   billionth of a row; a row line that close to a crossing gives way to it.
     // - Quads of one column follow one another; columns follow one another along X.
     //   AUnitPerColumn False: one view unit holds all quads (every caller of the tessellation
     //   road passes False); True: one unit for each column that holds quads. Units have

@@ -26,7 +26,8 @@ double QuadsArea(const std::vector<Quad>& quads);
 
 // Each returns "" or a description of the first violation found.
 // Vertical sides, P0 top-left, P1 top-right, P2 bottom-right, P3 bottom-left, clockwise,
-// convex, no zero area, width at most XTol and sides at most YTol (to 1e-9 relative); no
+// convex, no zero area, width at most XTol (to 1e-9 relative) and sides at most YTol (to
+// 3e-9 relative, for merges); no
 // quad narrower than minWidth, no side shorter than minSide unless it is a single point.
 std::string CheckShapes(const std::vector<Quad>& quads, double XTol, double YTol, double minWidth, double minSide);
 // Pieces between the same two vertical lines stack without overlap, and different pairs of
