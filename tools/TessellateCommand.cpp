@@ -1,4 +1,4 @@
-// orvane tessellate SHAPE [--mode quads|triangles] [--road quad] -o FILE: runs a built-in
+// orvane tessellate SHAPE [--mode quads|triangles] [--road quad|glu] [--size WxH] -o FILE: runs a built-in
 // surface of the shape library through a triangulator and writes the mesh as Wavefront OBJ
 // with normals, then one summary line.
 #include <chrono>
@@ -11,6 +11,7 @@
 #include "contracts/Shapes.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 #include "tools/Commands.h"
+#include "tools/GluTessellate.h"
 #include "tools/ObjWriter.h"
 
 namespace orvane::tools {
@@ -61,10 +62,18 @@ TRoadResult QuadRoad(const TGeSurface& Surface, bool Quads)
     return r;
 }
 
+TRoadResult GluRoad(const TGeSurface& Surface, bool Quads)
+{
+    TRoadResult r;
+    r.VerticesPerFace = Quads ? 4 : 3;
+    r.About = GluTessellate(Surface, Quads, r.Tri, r.Norm, r.Seconds);
+    return r;
+}
+
 // The triangulators by the name --road takes.
 const std::map<std::string, TRoad>& Roads()
 {
-    static const std::map<std::string, TRoad> roads{{"quad", QuadRoad}};
+    static const std::map<std::string, TRoad> roads{{"quad", QuadRoad}, {"glu", GluRoad}};
     return roads;
 }
 
@@ -94,7 +103,9 @@ void AddTessellateCommand(CLI::App& app)
     cmd->add_option("--mode", options->Mode, "quads or triangles")->check(CLI::IsMember({"quads", "triangles"}));
     std::vector<std::string> roads;
     for (const auto& [name, road] : Roads()) roads.push_back(name);
-    cmd->add_option("--road", options->Road, "Triangulator: quad (the quad road)")->check(CLI::IsMember(roads));
+    cmd->add_option("--road", options->Road, "Triangulator: quad (the quad road) or glu (GLU's NURBS renderer)")
+        ->check(CLI::IsMember(roads));
+    AddGluViewSizeOption(*cmd);
     cmd->add_option("-o,--output", options->Output, "OBJ file to write")->required();
     cmd->callback([options] { Run(*options); });
 }
