@@ -1,5 +1,6 @@
 #include "io/AtomicFile.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,6 +19,10 @@ std::string MakeTemp(const std::string& path)
     std::string name = path + ".tmp-XXXXXX";
     const int fd = ::mkstemp(name.data());
     if (fd < 0) throw std::runtime_error("cannot write " + path + ": " + std::strerror(errno));
+    // mkstemp makes the file private; the result gets the permissions any new file would.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(fd, 0666 & ~mask);
     ::close(fd);
     return name;
 }

@@ -59,6 +59,7 @@ struct DerivativeBounds {
 struct FaceData {
     int Number = 0;    // 1-based, in the order the file's faces are met
     std::string Name;  // what a person is told: "face 12", with the file's name for it if any
+    std::string SourceKind;  // the surface as the file gives it: "plane", "cylinder", "B-spline", ...
     NurbsSurfaceData Surface;
     std::vector<TrimLoopData> Loops;  // the outer loop first, then the holes
     bool Reversed = false;            // material normal is the surface normal negated

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include <BRepBuilderAPI_NurbsConvert.hxx>
 #include <BRepGProp.hxx>
@@ -363,6 +364,23 @@ std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSpli
     return result;
 }
 
+// The surface kind the file gives, in words.
+std::string SourceKind(const TopoDS_Face& face)
+{
+    Handle(Geom_Surface) s = BRep_Tool::Surface(face);
+    while (auto trimmed = Handle(Geom_RectangularTrimmedSurface)::DownCast(s)) s = trimmed->BasisSurface();
+    if (s.IsNull()) return "none";
+    static const std::pair<const char*, const char*> kinds[] = {
+        {"Geom_Plane", "plane"}, {"Geom_CylindricalSurface", "cylinder"}, {"Geom_ConicalSurface", "cone"},
+        {"Geom_SphericalSurface", "sphere"}, {"Geom_ToroidalSurface", "torus"}, {"Geom_BSplineSurface", "B-spline"},
+        {"Geom_BezierSurface", "Bezier"}, {"Geom_SurfaceOfRevolution", "surface of revolution"},
+        {"Geom_SurfaceOfLinearExtrusion", "extrusion"}, {"Geom_OffsetSurface", "offset surface"}};
+    const std::string name = s->DynamicType()->Name();
+    for (const auto& [type, words] : kinds)
+        if (name == type) return words;
+    return name;
+}
+
 double FaceArea(const TopoDS_Face& face)
 {
     GProp_GProps props;
@@ -376,6 +394,7 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
     f.Number = number;
     f.Name = name;
     f.Reversed = face.Orientation() == TopAbs_REVERSED;
+    f.SourceKind = SourceKind(face);
     const TopoDS_Face converted = NurbsFace(face);
     Handle(Geom_BSplineSurface) s = BSplineOf(converted, face);
     double u0, u1, v0, v1;

@@ -1,9 +1,11 @@
 #include "io/ModelMesher.h"
 
 #include <chrono>
+#include <utility>
 #include <memory>
 #include <optional>
 
+#include "contracts/AppSystem.h"
 #include "contracts/Interfaces.h"
 #include "io/FaceOrientation.h"
 #include "io/FacePreparation.h"
@@ -42,6 +44,20 @@ std::unique_ptr<TGeSurface> KernelFaceFor(const FaceData& f, const MeshSettings&
     return std::move(prepared.Surface);
 }
 
+// Catches what is shown through the application's message sink while it lives.
+class MessageCatcher {
+public:
+    MessageCatcher() : FPrevious(AppSys.SetMessageSink([this](const std::string& text, int) { FTexts.push_back(text); })) {}
+    ~MessageCatcher() { AppSys.SetMessageSink(FPrevious); }
+    MessageCatcher(const MessageCatcher&) = delete;
+    MessageCatcher& operator=(const MessageCatcher&) = delete;
+    std::vector<std::string> Take() { return std::exchange(FTexts, {}); }
+
+private:
+    std::vector<std::string> FTexts;
+    TMessageSink FPrevious;
+};
+
 }  // namespace
 
 double DefaultTolerance(const CadModelData& Model)
@@ -65,6 +81,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
     std::optional<GluRoad> glu;
     if (Settings.Road == MeshRoad::Glu) glu.emplace(Model.Box, Settings.ViewWidth, Settings.ViewHeight);
     const TInterfacePtr<IGeSurfaceTriangulator> quad(new TQuadSurfaceTriangulator());
+    MessageCatcher messages;
     int done = 0;
     for (const FaceData& f : Model.Faces) {
         FaceMesh out{f.Number, f.Name, {}, {}, 0};
@@ -87,6 +104,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         } catch (const std::exception& e) {
             mesh.Skipped.push_back({f.Number, f.Name, e.what()});
         }
+        for (const std::string& text : messages.Take()) mesh.Notes.push_back({f.Number, f.Name, text});
         if (Progress) Progress(++done, static_cast<int>(Model.Faces.size()));
     }
     return mesh;

@@ -36,6 +36,7 @@ struct FaceMesh {
 struct ModelMesh {
     std::vector<FaceMesh> Faces;         // in the model's order, only faces with triangles
     std::vector<SkippedFace> Skipped;    // the reader's, then those refused or left empty here
+    std::vector<SkippedFace> Notes;      // what a road reported of a face it meshed in part
     double Tolerance = 0.0;              // quad road: the one used
     double ConvertSeconds = 0.0;         // building and preparing the kernel's faces
     double TessellateSeconds = 0.0;      // the road itself, its normals and flat arrays included
@@ -44,7 +45,8 @@ struct ModelMesh {
 };
 
 // Meshes every face. A face the kernel refuses, the preparation refuses, or the road leaves
-// empty becomes a skipped face with its reason; the rest go on.
+// empty becomes a skipped face with its reason; the rest go on. What a road shows through the
+// application's message sink while it works on a face becomes a note on that face.
 ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, const ProgressFn& Progress = {});
 
 // The faces' arrays, one after the other.

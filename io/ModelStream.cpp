@@ -112,6 +112,7 @@ void PutFace(Writer& w, const FaceData& f)
 {
     w.Put(f.Number);
     w.PutString(f.Name);
+    w.PutString(f.SourceKind);
     PutSurface(w, f.Surface);
     w.Put(static_cast<std::uint64_t>(f.Loops.size()));
     for (const TrimLoopData& loop : f.Loops) {
@@ -133,6 +134,7 @@ FaceData GetFace(Reader& r)
     FaceData f;
     f.Number = r.Get<int>();
     f.Name = r.GetString();
+    f.SourceKind = r.GetString();
     f.Surface = GetSurface(r);
     f.Loops.resize(r.Count(8));
     for (TrimLoopData& loop : f.Loops) {

@@ -11,6 +11,8 @@ void AddShapesCommand(CLI::App& app);
 void AddRenderCommand(CLI::App& app);
 void AddQuadsCommand(CLI::App& app);
 void AddTessellateCommand(CLI::App& app);
+void AddInfoCommand(CLI::App& app);
+void AddMeshCommand(CLI::App& app);
 
 
 }  // namespace orvane::tools

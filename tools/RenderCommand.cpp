@@ -13,6 +13,7 @@
 
 #include "contracts/Shapes.h"
 #include "tessellation/uTessQuadsTriangulator.h"
+#include "tools/CadFileTools.h"
 #include "tools/Commands.h"
 #include "tools/PngWriter.h"
 #include "tools/SceneRenderer.h"
@@ -57,6 +58,7 @@ void ParseSize(const std::string& text, int& width, int& height)
 
 TSceneMesh Tessellate(const std::string& name)
 {
+    if (IsCadFileName(name)) return CadSceneMesh(name);
     std::unique_ptr<TGeSurface> surface;
     try {
         surface = MakeShape(name);
@@ -134,7 +136,7 @@ void AddRenderCommand(CLI::App& app)
 {
     auto options = std::make_shared<TRenderOptions>();
     CLI::App* render = app.add_subcommand("render", "Tessellate built-in shapes by the quad road and draw them as PNG");
-    render->add_option("shapes", options->Shapes, "Shape names, drawn side by side (see orvane shapes)")
+    render->add_option("shapes", options->Shapes, "Shape names (see orvane shapes) or IGES/STEP files, drawn side by side")
         ->required();
     render->add_option("-o,--output", options->Output, "The PNG file to write")->required();
     render->add_option("--size", options->Size, "Picture size WIDTHxHEIGHT")->capture_default_str();

@@ -12,6 +12,8 @@ int main(int argc, char** argv)
     orvane::tools::AddGlinfoCommand(app);
     orvane::tools::AddShapesCommand(app);
     orvane::tools::AddRenderCommand(app);
+    orvane::tools::AddInfoCommand(app);
+    orvane::tools::AddMeshCommand(app);
     orvane::tools::AddQuadsCommand(app);
     orvane::tools::AddTessellateCommand(app);
     try {
