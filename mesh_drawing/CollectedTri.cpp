@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <unordered_map>
+#include <vector>
 
 #include "contracts/Generics.h"
 #include "mesh_drawing/GLVAOManager.h"
@@ -28,17 +28,40 @@ struct TPairBitsEqual {
 };
 
 // Mixes the bits of all six doubles (a multiply-xorshift over each 64-bit word).
-struct TPairBitsHash {
-    std::size_t operator()(const TPair& p) const noexcept
-    {
-        std::uint64_t h = 0x9E3779B97F4A7C15ull;
-        for (double d : {p.Vertex.X, p.Vertex.Y, p.Vertex.Z, p.Normal.X, p.Normal.Y, p.Normal.Z}) {
-            h ^= Bits(d);
-            h *= 0xFF51AFD7ED558CCDull;
-            h ^= h >> 32;
-        }
-        return static_cast<std::size_t>(h);
+std::uint64_t HashBits(const TPair& p) noexcept
+{
+    std::uint64_t h = 0x9E3779B97F4A7C15ull;
+    for (double d : {p.Vertex.X, p.Vertex.Y, p.Vertex.Z, p.Normal.X, p.Normal.Y, p.Normal.Z}) {
+        h ^= Bits(d);
+        h *= 0xFF51AFD7ED558CCDull;
+        h ^= h >> 32;
     }
+    return h;
+}
+
+// The vertex table: open addressing over the positions in the unique lists, which hold the
+// keys themselves. At least twice as many slots as vertices keep the probes short.
+class TVertexTable {
+public:
+    explicit TVertexTable(std::size_t count)
+        : FMask(std::bit_ceil(std::max<std::size_t>(2 * count, 16)) - 1), FSlots(FMask + 1, -1)
+    {
+    }
+
+    // The value of key, or, where the table does not hold it yet, the value next (entered).
+    std::int32_t FindOrAdd(const TPair& key, std::int32_t next, const TList<TPoint3D>& vertices,
+                           const TList<TPoint3D>& normals)
+    {
+        for (std::size_t slot = HashBits(key) & FMask;; slot = (slot + 1) & FMask) {
+            const std::int32_t held = FSlots[slot];
+            if (held < 0) return FSlots[slot] = next;
+            if (TPairBitsEqual()(key, TPair{vertices[held], normals[held]})) return held;
+        }
+    }
+
+private:
+    std::size_t FMask;
+    std::vector<std::int32_t> FSlots;
 };
 
 TPoint3D PointAt(const TFloatDynArray& a, std::size_t i) { return {a[3 * i], a[3 * i + 1], a[3 * i + 2]}; }
@@ -116,18 +139,17 @@ void TCollectedTri::ExtractIndexInVertexArray(TFloatDynArray& vertices, TFloatDy
     // Arrays of unequal length are outside the contract; reading stops at the shorter one.
     const std::size_t count = std::min(vertices.size(), normals.size()) / 3;
     index.assign(count, 0);
-    std::unordered_map<TPair, std::int32_t, TPairBitsHash, TPairBitsEqual> table;
-    table.reserve(count);
+    TVertexTable table(count);
     TList<TPoint3D> uniqueVertices;
     TList<TPoint3D> uniqueNormals;
     for (std::size_t i = 0; i < count; ++i) {
         const TPair key = TPair::Create(PointAt(vertices, i), PointAt(normals, i));
-        auto [found, added] = table.try_emplace(key, uniqueVertices.Count());
-        if (added) {
+        const std::int32_t next = uniqueVertices.Count();
+        index[i] = table.FindOrAdd(key, next, uniqueVertices, uniqueNormals);
+        if (index[i] == next) {
             uniqueVertices.Add(key.Vertex);
             uniqueNormals.Add(key.Normal);
         }
-        index[i] = found->second;
     }
     WriteBack(uniqueVertices, vertices);
     WriteBack(uniqueNormals, normals);
