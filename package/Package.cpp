@@ -4,6 +4,9 @@
 
 #include "glu_triangulation/uTriangulate.h"
 #include "immediate/zqglUtils.h"
+#include "opengl/GL.h"
+#include "opengl/GLu.h"
+#include "opengl/dglOpenGL.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 
 namespace orvane {
@@ -12,13 +15,13 @@ namespace {
 
 // The order is the units' dependency order; each unit fills in its own functions.
 constexpr std::array kUnits{
-    TPackageUnit{"dglOpenGL", nullptr, nullptr},
+    TPackageUnit{"dglOpenGL", StartUnit_dglOpenGL, StopUnit_dglOpenGL},
     TPackageUnit{"uGLHandleObj", nullptr, nullptr},
     TPackageUnit{"zqglUtils", nullptr, StopUnit_zqglUtils},
-    TPackageUnit{"GL", nullptr, nullptr},
+    TPackageUnit{"GL", StartUnit_GL, StopUnit_GL},
     TPackageUnit{"GLMatrix", nullptr, nullptr},
     TPackageUnit{"GLTriangles", nullptr, nullptr},
-    TPackageUnit{"GLu", nullptr, nullptr},
+    TPackageUnit{"GLu", StartUnit_GLu, StopUnit_GLu},
     TPackageUnit{"TextureLoadUnit", nullptr, nullptr},
     TPackageUnit{"UDrawViewUnitTool", nullptr, nullptr},
     TPackageUnit{"uTriangulate", StartUnit_uTriangulate, StopUnit_uTriangulate},

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "contracts/AppSystem.h"
+#include "contracts/Cadgeometry.h"
+#include "opengl/dglOpenGL.h"
 #include "package/Package.h"
 #include "tessellation/IGeSurfaceTriangulator.h"
 
@@ -62,15 +64,20 @@ TEST(PackageTest, FailedStartUpStopsWhatWasStartedAndRaises)
     EXPECT_THAT(gSequence, ElementsAre("start A", "start X", "stop A"));
 }
 
-TEST(PackageTest, StartRegistersTheSurfaceTriangulatorService)
+TEST(PackageTest, StartLoadsOpenGlFillsTheGluSlotAndRegistersTheService)
 {
     AppSys.ClearServices();
     StartPackage();
+    // Without a context only the OpenGL 1.1 names are loaded; the GLU triangulator is installed.
+    EXPECT_NE(dglOpenGL::glBegin, nullptr);
+    EXPECT_EQ(dglOpenGL::glGenVertexArrays, nullptr);
+    EXPECT_NE(GeSurfTri, nullptr);
     IInterface* root = AppSys.GetService(IGeSurfaceTriangulator::IID);
     ASSERT_NE(root, nullptr);
     TInterfacePtr<IGeSurfaceTriangulator> service = TInterfacePtr<IInterface>(root).Query<IGeSurfaceTriangulator>();
     EXPECT_TRUE(service);
     StopPackage();
+    EXPECT_EQ(GeSurfTri, nullptr);
     // Shut-down leaves the service registered.
     EXPECT_EQ(AppSys.GetService(IGeSurfaceTriangulator::IID), root);
     service = {};
