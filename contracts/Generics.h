@@ -19,6 +19,10 @@ public:
     TList() = default;
     TList(std::initializer_list<T> items) : FItems(items) {}
     explicit TList(std::vector<T> items) : FItems(std::move(items)) {}
+    TList(const TList&) = default;
+    TList(TList&&) noexcept = default;
+    TList& operator=(const TList&) = default;
+    TList& operator=(TList&&) noexcept = default;
     virtual ~TList() = default;
 
     int Count() const noexcept { return static_cast<int>(FItems.size()); }

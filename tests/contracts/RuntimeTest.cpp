@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 
 #include "contracts/AppSystem.h"
 #include "contracts/Generics.h"
@@ -37,6 +38,19 @@ TEST(Lists, CheckIndicesAndKeepOrder)
     try { list.GetItem(-1); } catch (const Exception& e) { EXPECT_STREQ(e.what(), "Argument out of range"); }
     TList<int> empty;
     EXPECT_THROW(empty.First(), EArgumentOutOfRangeException);
+}
+
+TEST(Lists, MoveLeavesTheSourceEmptyAndCopyIsDeep)
+{
+    TList<std::vector<int>> a;
+    a.Add({1, 2});
+    TList<std::vector<int>> copy = a;
+    copy[0].push_back(3);
+    EXPECT_EQ(a[0].size(), 2u);
+    TList<std::vector<int>> moved = std::move(a);
+    EXPECT_EQ(moved.Count(), 1);
+    EXPECT_EQ(a.Count(), 0);  // NOLINT: a moved-from list is empty and usable
+    static_assert(std::is_nothrow_move_constructible_v<TList<int>>);
 }
 
 struct Counted {
