@@ -20,7 +20,7 @@
 #include "io/CadModelReader.h"
 #include "io/FaceConverter.h"
 #include "io/IsolatedReader.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

@@ -3,7 +3,7 @@
 #include "io/CadFileReader.h"
 #include "io/CadModelReader.h"
 #include "io/FaceValidation.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

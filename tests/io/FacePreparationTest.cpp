@@ -6,7 +6,7 @@
 #include "io/CadModelReader.h"
 #include "io/FacePreparation.h"
 #include "tessellation/uTessQuadsTriangulator.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

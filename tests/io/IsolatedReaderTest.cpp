@@ -8,7 +8,7 @@
 #include "io/CadModelReader.h"
 #include "io/IsolatedReader.h"
 #include "io/ModelStream.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "io/AtomicFile.h"
 #include "io/MeshWriters.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

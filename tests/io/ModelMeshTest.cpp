@@ -3,7 +3,7 @@
 #include "io/CadModelReader.h"
 #include "io/ModelMesher.h"
 #include "tests/io/MeshChecks.h"
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

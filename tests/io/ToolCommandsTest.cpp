@@ -15,7 +15,7 @@
 #include <TopoDS_Edge.hxx>
 #include <gp_Pnt.hxx>
 
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 namespace orvane::io {
 namespace {

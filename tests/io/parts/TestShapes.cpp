@@ -1,4 +1,4 @@
-#include "tests/io/TestShapes.h"
+#include "tests/io/parts/TestShapes.h"
 
 #include <random>
 #include <stdexcept>
