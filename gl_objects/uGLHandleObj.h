@@ -94,7 +94,10 @@ public:
     friend bool operator==(const TGLShaderHandleClass&, const TGLShaderHandleClass&) = default;
 
     struct Hash {
-        std::size_t operator()(const TGLShaderHandleClass& c) const noexcept { return std::hash<TFactory>()(c.FFactory); }
+        std::size_t operator()(const TGLShaderHandleClass& c) const noexcept
+        {
+            return std::hash<TFactory>()(c.FFactory);
+        }
     };
 
 private:

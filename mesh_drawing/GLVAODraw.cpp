@@ -170,7 +170,8 @@ void TGLVAOTriDraw::DrawElements()
 {
     using namespace dglOpenGL;
     if (FIsEBODraw)
-        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(std::nearbyint(FEBO->Size() / 4.0)), GL_UNSIGNED_INT, nullptr);
+        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(std::nearbyint(FEBO->Size() / 4.0)), GL_UNSIGNED_INT,
+                       nullptr);
     else
         glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(std::nearbyint(FVBOVert->Size() / 12.0)));
 }
@@ -184,9 +185,11 @@ void TGLVAOTriDraw::SetUniforms()
     auto location = [program](const char* name) { return glGetUniformLocation(program, name); };
 
     GLint at = location("EyePos");
-    glUniform3f(at, static_cast<GLfloat>(FEyePos.X), static_cast<GLfloat>(FEyePos.Y), static_cast<GLfloat>(FEyePos.Z));
+    glUniform3f(at, static_cast<GLfloat>(FEyePos.X), static_cast<GLfloat>(FEyePos.Y),
+                static_cast<GLfloat>(FEyePos.Z));
     at = location("HeadDir");
-    glUniform3f(at, static_cast<GLfloat>(FHeadDir.X), static_cast<GLfloat>(FHeadDir.Y), static_cast<GLfloat>(FHeadDir.Z));
+    glUniform3f(at, static_cast<GLfloat>(FHeadDir.X), static_cast<GLfloat>(FHeadDir.Y),
+                static_cast<GLfloat>(FHeadDir.Z));
     at = location("SimuRot");
     const Mat4 simuRot = SimuRotMatrix(FSimuRot);
     glUniformMatrix4fv(at, 1, GL_TRUE, simuRot.data());

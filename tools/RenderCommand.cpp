@@ -102,7 +102,8 @@ void LayOut(std::vector<TSceneMesh>& meshes, const TSceneView& view)
     double cursor = 0;
     for (std::size_t i = 0; i < meshes.size(); ++i) {
         const auto& e = extents[i];
-        meshes[i].Offset = row * (cursor - e[0].Low) - across * ((e[1].Low + e[1].High) / 2) + TPoint3D(0, 0, -e[2].Low);
+        meshes[i].Offset =
+            row * (cursor - e[0].Low) - across * ((e[1].Low + e[1].High) / 2) + TPoint3D(0, 0, -e[2].Low);
         cursor += e[0].Size() + 0.3 * largest;
     }
 }
@@ -135,7 +136,8 @@ void Run(const TRenderOptions& options)
 void AddRenderCommand(CLI::App& app)
 {
     auto options = std::make_shared<TRenderOptions>();
-    CLI::App* render = app.add_subcommand("render", "Tessellate built-in shapes by the quad road and draw them as PNG");
+    CLI::App* render =
+        app.add_subcommand("render", "Tessellate built-in shapes by the quad road and draw them as PNG");
     render->add_option("shapes", options->Shapes, "Shape names (see orvane shapes) or IGES/STEP files, drawn side by side")
         ->required();
     render->add_option("-o,--output", options->Output, "The PNG file to write")->required();

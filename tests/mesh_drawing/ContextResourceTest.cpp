@@ -71,7 +71,10 @@ TGLMatrixf4 Identity()
     return m;
 }
 
-void Draw(TGLVAOManager& manager, Cardinal id) { manager.DrawVAO(id, {0, 0, 1}, {0, 1, 0}, Identity(), 0x808080, true, 0); }
+void Draw(TGLVAOManager& manager, Cardinal id)
+{
+    manager.DrawVAO(id, {0, 0, 1}, {0, 1, 0}, Identity(), 0x808080, true, 0);
+}
 
 TEST(ContextResources, NothingTheManagerMadeOutlivesIt)
 {

@@ -200,6 +200,27 @@ TEST_F(Shading, NoLampMeansAmbientAndACoolTintOnly)
     EXPECT_NEAR(centre[2], 255 * (0.15 + 0.25 * b), kTolerance);
 }
 
+TEST_F(Shading, ADrawLeavesModelviewModeAndNothingBound)
+{
+    glMatrixMode(GL_MODELVIEW);
+    glTranslatef(0.25f, 0.0f, 0.0f);
+    GLfloat before[16], after[16];
+    glGetFloatv(GL_MODELVIEW_MATRIX, before);
+    glMatrixMode(GL_PROJECTION);
+    Scene scene;
+    scene.Scale = {0.5, 0.5, 0.5};  // a transformation of its own, pushed and popped
+    Render(scene);
+    GLint mode = 0, program = -1, vertexArray = -1;
+    glGetIntegerv(GL_MATRIX_MODE, &mode);
+    glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray);
+    EXPECT_EQ(mode, static_cast<GLint>(GL_MODELVIEW));
+    EXPECT_EQ(program, 0);
+    EXPECT_EQ(vertexArray, 0);
+    glGetFloatv(GL_MODELVIEW_MATRIX, after);
+    EXPECT_EQ(std::vector<GLfloat>(before, before + 16), std::vector<GLfloat>(after, after + 16));
+}
+
 TEST_F(Shading, BothSidesOfASheetLookAlikeAndIsOutChangesNoPixel)
 {
     Scene front;
@@ -209,7 +230,8 @@ TEST_F(Shading, BothSidesOfASheetLookAlikeAndIsOutChangesNoPixel)
     const auto backPixels = Render(back);
     ASSERT_EQ(frontPixels.size(), backPixels.size());
     int largest = 0;
-    for (std::size_t i = 0; i < frontPixels.size(); ++i) largest = std::max(largest, std::abs(frontPixels[i] - backPixels[i]));
+    for (std::size_t i = 0; i < frontPixels.size(); ++i)
+        largest = std::max(largest, std::abs(frontPixels[i] - backPixels[i]));
     EXPECT_LE(largest, 1);
 
     Scene inner = front;
