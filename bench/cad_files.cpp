@@ -38,6 +38,7 @@ struct Measure {
     double ConvertSeconds = 0.0;
     double Triangles = 0.0;
     double AreaError = 0.0;
+    double ToleranceShare = 1.0;  // of the default tolerance
 };
 
 // The last measure of each part and method; printed as ratios when the program ends.
@@ -136,10 +137,35 @@ void BM_BRepMesh(benchmark::State& state, const Part* part)
     state.counters["area_error"] = m.AreaError;
 }
 
-void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road)
+double BRepMeshAreaError(const Part* part)
+{
+    BRepTools::Clean(part->Shape);
+    BRepMesh_IncrementalMesh mesher(part->Shape, io::DefaultTolerance(part->Model), Standard_False, 0.5, Standard_False);
+    TFloatDynArray tri, norm;
+    Extract(part->Shape, tri, norm);
+    return std::fabs(Area(tri) / part->Model.ExactArea - 1.0);
+}
+
+// The quad road's tolerance, halved from the default until its area error is no worse than
+// BRepMesh's at the default (at most 6 times): the time at equal or better area error.
+double MatchedTolerance(const Part* part)
+{
+    const double target = BRepMeshAreaError(part);
+    io::MeshSettings settings;
+    settings.Tolerance = io::DefaultTolerance(part->Model);
+    for (int halvings = 0; halvings < 6; ++halvings, settings.Tolerance /= 2) {
+        TFloatDynArray tri, norm;
+        io::JoinFaces(io::MeshModel(part->Model, settings), tri, norm);
+        if (std::fabs(Area(tri) / part->Model.ExactArea - 1.0) <= target) break;
+    }
+    return settings.Tolerance;
+}
+
+void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road, bool matched = false)
 {
     io::MeshSettings settings;
     settings.Road = road;
+    if (matched) settings.Tolerance = MatchedTolerance(part);
     io::ModelMesh mesh;
     double convert = 0.0, tessellate = 0.0;
     for (auto _ : state) {
@@ -150,7 +176,7 @@ void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road)
     }
     TFloatDynArray tri, norm;
     io::JoinFaces(mesh, tri, norm);
-    Measure& m = Results().Rows[part->Name][road == io::MeshRoad::Quad ? "quad" : "glu"];
+    Measure& m = Results().Rows[part->Name][matched ? "matched" : road == io::MeshRoad::Quad ? "quad" : "glu"];
     const double n = static_cast<double>(state.iterations());
     m.Seconds = tessellate / n;
     m.ConvertSeconds = convert / n;
@@ -160,6 +186,7 @@ void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road)
     state.counters["area_error"] = m.AreaError;
     state.counters["convert_ms"] = m.ConvertSeconds * 1e3;
     state.counters["skipped"] = static_cast<double>(mesh.Skipped.size());
+    if (matched) m.ToleranceShare = mesh.Tolerance / io::DefaultTolerance(part->Model);
 }
 
 const Part* PartNamed(const std::string& name)
@@ -184,6 +211,10 @@ void Register()
                                      [name](benchmark::State& s) { BM_Road(s, PartNamed(name), io::MeshRoad::Quad); })
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("QuadRoadMatched/" + name).c_str(),
+                                     [name](benchmark::State& s) { BM_Road(s, PartNamed(name), io::MeshRoad::Quad, true); })
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark(("GluRoad/" + name).c_str(),
                                      [name](benchmark::State& s) { BM_Road(s, PartNamed(name), io::MeshRoad::Glu); })
             ->UseManualTime()
@@ -196,20 +227,23 @@ const bool gRegistered = (Register(), true);
 Table::~Table()
 {
     if (Rows.empty()) return;
-    std::printf("\nAgainst BRepMesh (ratios: time = road / BRepMesh, reading excluded; convert = face conversion / "
-                "BRepMesh time)\n");
-    std::printf("%-18s %10s %8s %9s | %6s %7s %6s %7s | %6s %7s %6s\n", "part", "BRepMesh ms", "tris", "area err",
-                "quad t", "convert", "tris", "err", "glu t", "tris", "err");
+    std::printf("\nAgainst BRepMesh: ratios road / BRepMesh of time (reading excluded), triangles and area error;"
+                "\nconv = converting and preparing the faces, over BRepMesh's time; matched = the quad road at the"
+                "\ntolerance share T that gives no more area error than BRepMesh\n");
+    std::printf("%-17s %8s %6s %8s |%6s %5s %5s %6s |%6s %5s %5s %5s |%6s %5s %6s\n", "part", "BRep ms", "tris",
+                "area err", "quad t", "conv", "tris", "err", "match", "T", "tris", "err", "glu t", "tris", "err");
     for (const auto& [name, row] : Rows) {
-        const auto b = row.find("brepmesh"), q = row.find("quad"), g = row.find("glu");
-        if (b == row.end() || q == row.end() || g == row.end()) continue;
+        const auto b = row.find("brepmesh"), q = row.find("quad"), m = row.find("matched"), g = row.find("glu");
+        if (b == row.end() || q == row.end() || m == row.end() || g == row.end()) continue;
         const Measure& B = b->second;
-        auto ratio = [](double a, double c) { return c > 0 ? a / c : 0.0; };
-        std::printf("%-18s %10.3f %8.0f %9.2e | %6.2f %7.2f %6.2f %7.2f | %6.2f %7.2f %6.2f\n", name.c_str(),
-                    B.Seconds * 1e3, B.Triangles, B.AreaError, ratio(q->second.Seconds, B.Seconds),
-                    ratio(q->second.ConvertSeconds, B.Seconds), ratio(q->second.Triangles, B.Triangles),
-                    ratio(q->second.AreaError, B.AreaError), ratio(g->second.Seconds, B.Seconds),
-                    ratio(g->second.Triangles, B.Triangles), ratio(g->second.AreaError, B.AreaError));
+        auto r = [](double a, double c) { return c > 0 ? a / c : 0.0; };
+        std::printf("%-17s %8.2f %6.0f %8.1e |%6.2f %5.2f %5.2f %6.2f |%6.2f %5.3f %5.2f %5.2f |%6.2f %5.2f %6.2f\n",
+                    name.c_str(), B.Seconds * 1e3, B.Triangles, B.AreaError, r(q->second.Seconds, B.Seconds),
+                    r(q->second.ConvertSeconds, B.Seconds), r(q->second.Triangles, B.Triangles),
+                    r(q->second.AreaError, B.AreaError), r(m->second.Seconds, B.Seconds), m->second.ToleranceShare,
+                    r(m->second.Triangles, B.Triangles), r(m->second.AreaError, B.AreaError),
+                    r(g->second.Seconds, B.Seconds), r(g->second.Triangles, B.Triangles),
+                    r(g->second.AreaError, B.AreaError));
     }
 }
 

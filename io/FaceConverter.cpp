@@ -14,7 +14,10 @@
 #include <Geom2d_BSplineCurve.hxx>
 #include <Geom2d_TrimmedCurve.hxx>
 #include <GeomAdaptor_Surface.hxx>
+#include <GeomConvert.hxx>
 #include <Geom_BSplineSurface.hxx>
+#include <Geom_BezierSurface.hxx>
+#include <Geom_Plane.hxx>
 #include <Geom_RectangularTrimmedSurface.hxx>
 #include <Precision.hxx>
 #include <Standard_Failure.hxx>
@@ -70,6 +73,27 @@ Handle(Geom_BSplineSurface) BSplineOf(const TopoDS_Face& converted, const TopoDS
                                 ") does not convert to NURBS"));
     }
     return Handle(Geom_BSplineSurface)::DownCast(bspline->Copy());
+}
+
+// The NURBS form of a surface whose conversion keeps its parameters (a B-spline, a Bezier
+// patch, a plane over the face's box), so that the face's own trim curves still fit; none for
+// any other kind. Going round BRepBuilderAPI_NurbsConvert where it is not needed also spares
+// its reprojection of trim curves, which can take very long on degenerate surfaces.
+Handle(Geom_BSplineSurface) DirectNurbs(const TopoDS_Face& face)
+{
+    Handle(Geom_Surface) s = BRep_Tool::Surface(face);
+    while (auto trimmed = Handle(Geom_RectangularTrimmedSurface)::DownCast(s)) s = trimmed->BasisSurface();
+    if (auto bspline = Handle(Geom_BSplineSurface)::DownCast(s)) return Handle(Geom_BSplineSurface)::DownCast(bspline->Copy());
+    if (auto bezier = Handle(Geom_BezierSurface)::DownCast(s)) return GeomConvert::SurfaceToBSplineSurface(bezier);
+    if (auto plane = Handle(Geom_Plane)::DownCast(s)) {
+        double u0, u1, v0, v1;
+        BRepTools::UVBounds(face, u0, u1, v0, v1);
+        if (!(u1 - u0 > kMinKnotRange) || !(v1 - v0 > kMinKnotRange) || std::fabs(u0) > kMaxAbsKnot ||
+            std::fabs(u1) > kMaxAbsKnot || std::fabs(v0) > kMaxAbsKnot || std::fabs(v1) > kMaxAbsKnot)
+            return nullptr;
+        return GeomConvert::SurfaceToBSplineSurface(new Geom_RectangularTrimmedSurface(plane, u0, u1, v0, v1));
+    }
+    return nullptr;
 }
 
 // Limits [a, b] to the surface's range in one direction; a periodic direction keeps its place
@@ -395,8 +419,12 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
     f.Name = name;
     f.Reversed = face.Orientation() == TopAbs_REVERSED;
     f.SourceKind = SourceKind(face);
-    const TopoDS_Face converted = NurbsFace(face);
-    Handle(Geom_BSplineSurface) s = BSplineOf(converted, face);
+    TopoDS_Face converted = face;
+    Handle(Geom_BSplineSurface) s = DirectNurbs(face);
+    if (s.IsNull()) {
+        converted = NurbsFace(face);
+        s = BSplineOf(converted, face);
+    }
     double u0, u1, v0, v1;
     BRepTools::UVBounds(converted, u0, u1, v0, v1);
     const gp_XY shift = CutToBox(s, u0, u1, v0, v1);
