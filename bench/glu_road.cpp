@@ -9,6 +9,7 @@
 #include <string>
 
 #include "contracts/Shapes.h"
+#include "glu_triangulation/GluView.h"
 #include "glu_triangulation/uTriangulate.h"
 #include "opengl/Platform.h"
 #include "opengl/dglOpenGL.h"
@@ -19,7 +20,6 @@ namespace {
 using namespace orvane;
 
 constexpr int kView = 1024;
-constexpr double kPi = 3.14159265358979323846;
 
 // A current context for the whole run, made at the first GLU benchmark.
 void EnsureContext()
@@ -31,41 +31,6 @@ void EnsureContext()
         return true;
     }();
     (void)made;
-}
-
-TPoint3D Rotate(const TPoint3D& P)
-{
-    const double cz = std::cos(40.0 * kPi / 180), sz = std::sin(40.0 * kPi / 180);
-    const double cx = std::cos(30.0 * kPi / 180), sx = std::sin(30.0 * kPi / 180);
-    const TPoint3D a{cz * P.X - sz * P.Y, sz * P.X + cz * P.Y, P.Z};
-    return {a.X, cx * a.Y - sx * a.Z, sx * a.Y + cx * a.Z};
-}
-
-// The oblique view of the tool, the shape spanning the viewport.
-void FitView(const TGeSurface& Shape)
-{
-    using namespace dglOpenGL;
-    const TGeSurface* base = &Shape;
-    if (const auto* t = dynamic_cast<const TGeTrimmedSurface*>(base)) base = t->GetSurface();
-    const auto& nurbs = dynamic_cast<const TGeNurbsSurface&>(*base);
-    const TRect2D d = nurbs.GetDomain();
-    TPoint3D lo{1e300, 1e300, 1e300}, hi{-1e300, -1e300, -1e300};
-    for (int i = 0; i <= 64; ++i)
-        for (int j = 0; j <= 64; ++j) {
-            const TPoint3D r = Rotate(nurbs.GetPoint(d.Min.X + d.Width() * i / 64, d.Min.Y + d.Height() * j / 64));
-            lo = {std::min(lo.X, r.X), std::min(lo.Y, r.Y), std::min(lo.Z, r.Z)};
-            hi = {std::max(hi.X, r.X), std::max(hi.Y, r.Y), std::max(hi.Z, r.Z)};
-        }
-    const double half = std::max(hi.X - lo.X, hi.Y - lo.Y) / 2, depth = hi.Z - lo.Z + 1.0;
-    const double cx = (lo.X + hi.X) / 2, cy = (lo.Y + hi.Y) / 2;
-    glViewport(0, 0, kView, kView);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(cx - half, cx + half, cy - half, cy + half, -hi.Z - depth, -lo.Z + depth);
-    glMatrixMode(GL_MODELVIEW);
-    const TPoint3D ex = Rotate({1, 0, 0}), ey = Rotate({0, 1, 0}), ez = Rotate({0, 0, 1});
-    const std::array<double, 16> m{ex.X, ex.Y, ex.Z, 0, ey.X, ey.Y, ey.Z, 0, ez.X, ez.Y, ez.Z, 0, 0, 0, 0, 1};
-    glLoadMatrixd(m.data());
 }
 
 void Report(benchmark::State& state, const TFloatDynArray& Tri)
@@ -80,7 +45,7 @@ void GluRoad(benchmark::State& state, const std::string& Name)
 {
     EnsureContext();
     const auto shape = MakeShape(Name);
-    FitView(*shape);
+    FitObliqueView(*shape, kView, kView);
     TGLSurfaceTriangulator triangulator;
     TFloatDynArray tri, norm;
     for (auto _ : state) {

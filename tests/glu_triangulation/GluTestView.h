@@ -1,6 +1,5 @@
 // Views and measures for the GLU road's tests on Mesa. GLU samples in pixels of the current
-// view, so every test that reaches the real GLU has a context current and a view set that fits
-// the surface to the viewport.
+// view, so every test that reaches the real GLU has a context current and FitObliqueView set.
 #pragma once
 
 #include <vector>
@@ -12,15 +11,8 @@ namespace orvane::testing {
 // The NURBS surface under a plain, wrapped or trimmed surface.
 const TGeNurbsSurface& NurbsOf(const TGeSurface& Surf);
 
-// Points of the surface on a Count x Count grid over its knot range.
-TDynPoints3D SamplePoints(const TGeSurface& Surf, int Count);
-
 // The length of the diagonal of the surface's bounding box.
 double BoxDiagonal(const TGeSurface& Surf);
-
-// Sets the viewport to Width x Height and the matrices to an oblique orthographic view in
-// which the surface spans the whole viewport in its longer projected direction.
-void FitViewToSurface(const TGeSurface& Surf, int Width, int Height);
 
 // The area of a flat triangle list (9 floats a triangle).
 double MeshArea(const std::vector<double>& Tri);

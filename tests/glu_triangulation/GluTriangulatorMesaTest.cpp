@@ -12,6 +12,7 @@
 #include "contracts/Shapes.h"
 #include "contracts/SurfaceArea.h"
 #include "glu_triangulation/uTriangulate.h"
+#include "glu_triangulation/GluView.h"
 #include "tests/glu_triangulation/GluTestSurfaces.h"
 #include "tests/glu_triangulation/GluTestView.h"
 #include "tests/support/GlRecorder.h"
@@ -89,7 +90,7 @@ TEST_F(GluTriangulatorMesa, EveryUntrimmedShapeMeetsItsAreaAndLiesOnTheSurface)
         if (IsTrimmed(name)) continue;
         SCOPED_TRACE(name);
         const auto shape = MakeShape(name);
-        FitViewToSurface(*shape, kViewSize, kViewSize);
+        FitObliqueView(*shape, kViewSize, kViewSize);
         const TMesh mesh = Triangulate(tri, *shape);
         ASSERT_FALSE(mesh.Tri.empty());
         ASSERT_EQ(mesh.Tri.size() % 9, 0u);
@@ -115,7 +116,7 @@ TEST_F(GluTriangulatorMesa, CallsInARowAreIndependentAndQuadsCoverTheSameSurface
 {
     const auto torus = MakeShape("torus");
     const auto plane = MakeShape("plane");
-    FitViewToSurface(*torus, kViewSize, kViewSize);
+    FitObliqueView(*torus, kViewSize, kViewSize);
     TGLSurfaceTriangulator tri;
     const TMesh first = Triangulate(tri, *torus);
     const TMesh between = Triangulate(tri, *plane);
@@ -146,7 +147,7 @@ TEST_F(GluTriangulatorMesa, SurfacesGluRejectsGiveEmptyArrays)
     for (int i = 0; i < n; ++i)
         for (int j = 0; j < 2; ++j) points.push_back({i / 24.0, 1.0 * j, std::sin(i / 4.0)});
     const TGeNurbsSurface high(n, 2, 24, 1, ClampedKnots(n, 24), ClampedKnots(2, 1), points);
-    FitViewToSurface(high, kViewSize, kViewSize);
+    FitObliqueView(high, kViewSize, kViewSize);
     EXPECT_THAT(Triangulate(tri, high).Tri, IsEmpty());
 
     // An interior knot that single precision rounds onto the last one.
@@ -154,14 +155,14 @@ TEST_F(GluTriangulatorMesa, SurfacesGluRejectsGiveEmptyArrays)
     for (int i = 0; i < 5; ++i)
         for (int j = 0; j < 4; ++j) grid.push_back({1.0 * i, 1.0 * j, 0.1 * i * j});
     const TGeNurbsSurface close(5, 4, 3, 3, {0, 0, 0, 0, 1 - 1e-12, 1, 1, 1, 1}, ClampedKnots(4, 3), grid);
-    FitViewToSurface(close, kViewSize, kViewSize);
+    FitObliqueView(close, kViewSize, kViewSize);
     const TMesh rejected = Triangulate(tri, close);
     EXPECT_THAT(rejected.Tri, IsEmpty());
     EXPECT_THAT(rejected.Norm, IsEmpty());
 
     // The same object still triangulates the next surface.
     const auto plane = MakeShape("plane");
-    FitViewToSurface(*plane, kViewSize, kViewSize);
+    FitObliqueView(*plane, kViewSize, kViewSize);
     EXPECT_FALSE(Triangulate(tri, *plane).Tri.empty());
 }
 
@@ -170,7 +171,7 @@ TEST_F(GluTriangulatorMesa, SurfacesGluRejectsGiveEmptyArrays)
 TEST_F(GluTriangulatorMesa, FailureInACallbackKeepsWhatCameBeforeAndLeaksNothing)
 {
     const auto sphere = MakeShape("sphere");
-    FitViewToSurface(*sphere, kViewSize, kViewSize);
+    FitObliqueView(*sphere, kViewSize, kViewSize);
     TGLSurfaceTriangulator tri;
     const TMesh full = Quadrilateral(tri, *sphere);
     ASSERT_FALSE(full.Tri.empty());

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "contracts/Shapes.h"
+#include "glu_triangulation/GluView.h"
 #include "glu_triangulation/uTriangulate.h"
 #include "tests/glu_triangulation/GluTestSurfaces.h"
 #include "tests/glu_triangulation/GluTestView.h"
@@ -102,7 +103,7 @@ void ExpectPlateCovered(const std::vector<double>& Tri, const std::vector<TPolyg
 
 std::vector<double> TriangulateTrimmed(const TGeSurface& Surf, std::vector<TPolygon>* Loops = nullptr)
 {
-    FitViewToSurface(Surf, kViewSize, kViewSize);
+    FitObliqueView(Surf, kViewSize, kViewSize);
     TGLSurfaceTriangulator tri;
     TFloatDynArray v, n;
     TTrimCapture capture;
