@@ -1,6 +1,7 @@
 #include "io/CadFileReader.h"
 
 #include <fstream>
+#include <sstream>
 
 #include <IGESControl_Reader.hxx>
 #include <IGESData_IGESEntity.hxx>
@@ -85,14 +86,17 @@ std::string CadFileReader::EntityLabel(const TopoDS_Shape& S) const
     const Handle(XSControl_TransferReader) transfer = FReader->WS()->TransferReader();
     const Handle(Standard_Transient) entity = transfer.IsNull() ? nullptr : transfer->EntityFromShapeResult(S, 1);
     if (entity.IsNull()) return {};
+    std::ostringstream label;
     if (auto step = Handle(StepData_StepModel)::DownCast(FReader->Model())) {
         const auto item = Handle(StepRepr_RepresentationItem)::DownCast(entity);
-        return "#" + std::to_string(step->IdentLabel(entity)) + (item.IsNull() ? "" : Quoted(item->Name()));
+        label << '#' << step->IdentLabel(entity) << (item.IsNull() ? "" : Quoted(item->Name()));
+        return label.str();
     }
     const auto iges = Handle(IGESData_IGESEntity)::DownCast(entity);
     const int number = FReader->Model()->Number(entity);
     if (iges.IsNull() || number <= 0) return {};
-    return "D" + std::to_string(2 * number - 1) + (iges->HasName() ? Quoted(iges->NameValue()) : "");
+    label << 'D' << 2 * number - 1 << (iges->HasName() ? Quoted(iges->NameValue()) : "");
+    return label.str();
 }
 
 }  // namespace orvane::io

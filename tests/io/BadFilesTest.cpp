@@ -62,22 +62,20 @@ TopoDS_Face FaceWithOpenLoop()
     return bare;
 }
 
-// A flat patch whose U knots run from 0 to 1e12.
+// A flat patch of 3 x 3 poles whose U knots run from 0 to 1e12.
 TopoDS_Face FaceWithAbsurdKnots()
 {
-    TColgp_Array2OfPnt poles(1, 2, 1, 2);
-    poles(1, 1) = gp_Pnt(0, 0, 0);
-    poles(2, 1) = gp_Pnt(10, 0, 0);
-    poles(1, 2) = gp_Pnt(0, 10, 0);
-    poles(2, 2) = gp_Pnt(10, 10, 0);
+    TColgp_Array2OfPnt poles(1, 3, 1, 3);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) poles(i, j) = gp_Pnt(5.0 * i, 5.0 * j, 0.0);
     TColStd_Array1OfReal knotsU(1, 2), knotsV(1, 2);
     knotsU(1) = 0;
     knotsU(2) = 1e12;
     knotsV(1) = 0;
     knotsV(2) = 1;
     TColStd_Array1OfInteger mults(1, 2);
-    mults.Init(2);
-    return BRepBuilderAPI_MakeFace(new Geom_BSplineSurface(poles, knotsU, knotsV, mults, mults, 1, 1), 1e-7);
+    mults.Init(3);
+    return BRepBuilderAPI_MakeFace(new Geom_BSplineSurface(poles, knotsU, knotsV, mults, mults, 2, 2), 1e-7);
 }
 
 TEST(BadFiles, MissingGarbageAndTruncatedFilesGiveOneClearLine)
