@@ -36,6 +36,7 @@ using Clock = std::chrono::steady_clock;
 struct Measure {
     double Seconds = 0.0;
     double ConvertSeconds = 0.0;
+    double OrientSeconds = 0.0;
     double Triangles = 0.0;
     double AreaError = 0.0;
     double ToleranceShare = 1.0;  // of the default tolerance
@@ -167,12 +168,13 @@ void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road, bool 
     settings.Road = road;
     if (matched) settings.Tolerance = MatchedTolerance(part);
     io::ModelMesh mesh;
-    double convert = 0.0, tessellate = 0.0;
+    double convert = 0.0, tessellate = 0.0, orient = 0.0;
     for (auto _ : state) {
         mesh = io::MeshModel(part->Model, settings);
         state.SetIterationTime(mesh.TessellateSeconds);
         convert += mesh.ConvertSeconds;
         tessellate += mesh.TessellateSeconds;
+        orient += mesh.OrientSeconds;
     }
     TFloatDynArray tri, norm;
     io::JoinFaces(mesh, tri, norm);
@@ -180,11 +182,13 @@ void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road, bool 
     const double n = static_cast<double>(state.iterations());
     m.Seconds = tessellate / n;
     m.ConvertSeconds = convert / n;
+    m.OrientSeconds = orient / n;
     m.Triangles = static_cast<double>(mesh.TriangleCount());
     m.AreaError = std::fabs(Area(tri) / part->Model.ExactArea - 1.0);
     state.counters["triangles"] = m.Triangles;
     state.counters["area_error"] = m.AreaError;
     state.counters["convert_ms"] = m.ConvertSeconds * 1e3;
+    state.counters["orient_ms"] = m.OrientSeconds * 1e3;
     state.counters["skipped"] = static_cast<double>(mesh.Skipped.size());
     if (matched) m.ToleranceShare = mesh.Tolerance / io::DefaultTolerance(part->Model);
 }
@@ -228,18 +232,21 @@ Table::~Table()
 {
     if (Rows.empty()) return;
     std::printf("\nAgainst BRepMesh: ratios road / BRepMesh of time (reading excluded), triangles and area error;"
-                "\nconv = converting and preparing the faces, over BRepMesh's time; matched = the quad road at the"
-                "\ntolerance share T that gives no more area error than BRepMesh\n");
-    std::printf("%-17s %8s %6s %8s |%6s %5s %5s %6s |%6s %5s %5s %5s |%6s %5s %6s\n", "part", "BRep ms", "tris",
-                "area err", "quad t", "conv", "tris", "err", "match", "T", "tris", "err", "glu t", "tris", "err");
+                "\nconv, orient = converting and preparing the faces, turning them out of the material, over"
+                "\nBRepMesh's time; matched = the quad road at the share T of the tolerance that gives no more"
+                "\narea error than BRepMesh\n");
+    std::printf("%-17s %8s %6s %8s |%6s %5s %6s %5s %6s |%6s %5s %5s %5s |%6s %5s %6s\n", "part", "BRep ms", "tris",
+                "area err", "quad t", "conv", "orient", "tris", "err", "match", "T", "tris", "err", "glu t", "tris",
+                "err");
     for (const auto& [name, row] : Rows) {
         const auto b = row.find("brepmesh"), q = row.find("quad"), m = row.find("matched"), g = row.find("glu");
         if (b == row.end() || q == row.end() || m == row.end() || g == row.end()) continue;
         const Measure& B = b->second;
         auto r = [](double a, double c) { return c > 0 ? a / c : 0.0; };
-        std::printf("%-17s %8.2f %6.0f %8.1e |%6.2f %5.2f %5.2f %6.2f |%6.2f %5.3f %5.2f %5.2f |%6.2f %5.2f %6.2f\n",
+        std::printf("%-17s %8.2f %6.0f %8.1e |%6.2f %5.2f %6.2f %5.2f %6.2f |%6.2f %5.3f %5.2f %5.2f |%6.2f %5.2f %6.2f\n",
                     name.c_str(), B.Seconds * 1e3, B.Triangles, B.AreaError, r(q->second.Seconds, B.Seconds),
-                    r(q->second.ConvertSeconds, B.Seconds), r(q->second.Triangles, B.Triangles),
+                    r(q->second.ConvertSeconds, B.Seconds), r(q->second.OrientSeconds, B.Seconds),
+                    r(q->second.Triangles, B.Triangles),
                     r(q->second.AreaError, B.AreaError), r(m->second.Seconds, B.Seconds), m->second.ToleranceShare,
                     r(m->second.Triangles, B.Triangles), r(m->second.AreaError, B.AreaError),
                     r(g->second.Seconds, B.Seconds), r(g->second.Triangles, B.Triangles),
