@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up the machine, then builds and runs every test twice: an optimised build with
-# warnings as errors, and a build under AddressSanitizer and UndefinedBehaviorSanitizer.
+# warnings as errors, and a build under AddressSanitizer and UndefinedBehaviorSanitizer;
+# last, the face-conversion fuzzer runs for a bounded time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -10,7 +11,8 @@ export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 
 echo "== build: warnings as errors"
-bash scripts/build.sh build/release -DORVANE_WERROR=ON
+# No debug information: CI only needs the optimiser's warnings and a fast build.
+bash scripts/build.sh build/release -DORVANE_WERROR=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O2 -DNDEBUG"
 echo "== tests: release"
 ctest --test-dir build/release --output-on-failure --parallel "$(nproc)" --timeout 300
 
@@ -18,3 +20,6 @@ echo "== build: sanitizers"
 bash scripts/build.sh build/sanitize -DCMAKE_BUILD_TYPE=Debug -DORVANE_WERROR=ON -DORVANE_SANITIZE=ON -DORVANE_BENCH=OFF
 echo "== tests: sanitizers"
 ctest --test-dir build/sanitize --output-on-failure --parallel "$(nproc)" --timeout 600
+
+echo "== fuzz: face conversion, 30 s"
+bash scripts/fuzz.sh 30
