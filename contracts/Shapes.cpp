@@ -178,16 +178,6 @@ double PolygonArea(const TDynPoints2D& Closed)
     return std::fabs(twice) / 2.0;
 }
 
-// A closed polyline as one degree-1 spline, knots evenly spaced.
-std::unique_ptr<TGeCurve2D> PolylineSpline(const TDynPoints2D& Closed)
-{
-    const std::size_t n = Closed.size();
-    TArrayDouble knots{0.0};
-    for (std::size_t k = 0; k < n; ++k) knots.push_back(static_cast<double>(k) / static_cast<double>(n - 1));
-    knots.push_back(1.0);
-    return std::make_unique<TGeSpline2D>(1, knots, Closed);
-}
-
 std::unique_ptr<TGeSurface> TrimmedPolygonHoles()
 {
     TCurves holes;
@@ -263,5 +253,14 @@ std::unique_ptr<TGeSurface> MakeShape(const std::string& Name) { return Find(Nam
 double ShapeExactArea(const std::string& Name) { return Find(Name).ExactArea; }
 
 std::string ShapeDescription(const std::string& Name) { return Find(Name).Description; }
+
+std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points)
+{
+    const std::size_t n = Points.size();
+    TArrayDouble knots{0.0};
+    for (std::size_t k = 0; k < n; ++k) knots.push_back(static_cast<double>(k) / static_cast<double>(n - 1));
+    knots.push_back(1.0);
+    return std::make_unique<TGeSpline2D>(1, knots, Points);
+}
 
 }  // namespace orvane

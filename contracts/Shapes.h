@@ -35,6 +35,9 @@ std::vector<std::string> ShapeNames();
 // A new shape; raises EArgumentException "Unknown shape: <name>" for any other name.
 std::unique_ptr<TGeSurface> MakeShape(const std::string& Name);
 
+// A polyline as one degree-1 spline through its points, knots evenly spaced on [0, 1].
+std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points);
+
 // The area in closed form, or NaN where none is known (bilinear, freeform, ruled).
 double ShapeExactArea(const std::string& Name);
 

@@ -71,15 +71,6 @@ std::unique_ptr<TGeCompositeCurve2D> LineLoop(const TDynPoints2D& Closed)
     return std::make_unique<TGeCompositeCurve2D>(std::move(lines));
 }
 
-std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points)
-{
-    const std::size_t n = Points.size();
-    TArrayDouble knots{0.0};
-    for (std::size_t k = 0; k < n; ++k) knots.push_back(static_cast<double>(k) / static_cast<double>(n - 1));
-    knots.push_back(1.0);
-    return std::make_unique<TGeSpline2D>(1, knots, Points);
-}
-
 std::unique_ptr<TGeSpline2D> CircleSpline(const TPoint2D& Centre, double Radius, bool ASwapped)
 {
     const double h = std::sqrt(0.5);

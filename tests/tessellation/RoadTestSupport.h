@@ -5,9 +5,12 @@
 #include <memory>
 #include <vector>
 
+#include "contracts/Shapes.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 
 namespace orvane::testing {
+
+using orvane::PolylineSpline;
 
 // A TQuadSurfaceTriangulator held by a counted reference, with access to its own operations.
 class TServiceUnderTest {
@@ -73,8 +76,7 @@ std::unique_ptr<TGeNurbsSurface> FlatPatch(int Degree);
 
 // A closed polygon of lines, as one composite curve.
 std::unique_ptr<TGeCompositeCurve2D> LineLoop(const TDynPoints2D& Closed);
-// A degree-1 spline through the points, knots evenly spaced.
-std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points);
+
 // A full circle as one rational quadratic spline of 9 control points, clockwise; with
 // ASwapped, the same spline with X and Y of every control point exchanged.
 std::unique_ptr<TGeSpline2D> CircleSpline(const TPoint2D& Centre, double Radius, bool ASwapped = false);
