@@ -94,6 +94,53 @@ void InsertKnot(double U, int Degree, std::vector<double>& Knots, std::vector<TP
     Ctrl = std::move(q);
 }
 
+// Relative tolerance of a piece's length and the most intervals its quadrature may use: a
+// smooth piece needs one or two, a cusp or a sharp rational peak draws the halvings to itself
+// and reaches far below 1e-12 of the piece long before the limit.
+constexpr double kLengthRelTol = 1e-12;
+constexpr int kLengthMaxIntervals = 100;
+
+// The length of one piece. The piece is first moved to its first control point and divided by
+// its extent, and its weights by the largest: the speed is then of order one at any scale of
+// coordinates (no overflow at 1e150, no underflow at 1e-300) and the tolerance is relative.
+double PieceLength(const TBezier2D& B)
+{
+    const int n = B.Degree();
+    if (n < 1) return 0.0;
+    const TPoint2D o = B.Start();
+    double extent = 0.0;
+    double wmax = 0.0;
+    for (int i = 0; i <= n; ++i) {
+        const TPoint2D p = B.CtrlPoint(i);
+        extent = std::max({extent, std::fabs(p.X - o.X), std::fabs(p.Y - o.Y)});
+        wmax = std::max(wmax, std::fabs(B.Ctrl[i].Z));
+    }
+    if (!(extent > 0.0) || !std::isfinite(extent) || !(wmax > 0.0) || !std::isfinite(wmax)) return 0.0;
+    std::vector<TPoint3D> ctrl(static_cast<std::size_t>(n) + 1);
+    double polygon = 0.0;
+    TPoint2D prev{0.0, 0.0};
+    for (int i = 0; i <= n; ++i) {
+        const TPoint2D p = B.CtrlPoint(i);
+        const TPoint2D q{(p.X - o.X) / extent, (p.Y - o.Y) / extent};
+        const double w = B.Ctrl[i].Z / wmax;
+        ctrl[static_cast<std::size_t>(i)] = {q.X * w, q.Y * w, w};
+        if (i > 0) polygon += std::hypot(q.X - prev.X, q.Y - prev.Y);
+        prev = q;
+    }
+    std::vector<TPoint3D> work(ctrl.size());
+    // |dC/dS| by de Casteljau down to the last two points: C = h / h.Z, dh = n (b - a).
+    const auto speed = [&](double s) {
+        work = ctrl;
+        for (int level = n; level > 1; --level)
+            for (int i = 0; i < level; ++i) work[i] = Lerp(work[i], work[i + 1], s);
+        const TPoint3D h = Lerp(work[0], work[1], s);
+        const TPoint3D dh = (work[1] - work[0]) * n;
+        const double x = h.X / h.Z, y = h.Y / h.Z;
+        return std::hypot((dh.X - dh.Z * x) / h.Z, (dh.Y - dh.Z * y) / h.Z);
+    };
+    return extent * IntegrateBounded(speed, 0.0, 1.0, kLengthRelTol * polygon, kLengthMaxIntervals);
+}
+
 }  // namespace
 
 TPoint2D TBezier2D::PointAt(double S) const
@@ -184,17 +231,7 @@ TRect2D PiecesBoundRect(const TBezierPieces& Pieces)
 double PiecesLength(const TBezierPieces& Pieces)
 {
     double total = 0.0;
-    for (const TBezier2D& b : Pieces) {
-        double polygon = 0.0;
-        for (int i = 1; i <= b.Degree(); ++i) polygon += b.CtrlPoint(i).DistanceTo(b.CtrlPoint(i - 1));
-        if (polygon == 0.0) continue;
-        const auto speed = [&b](double s) {
-            TPoint2D p, d;
-            b.PointAndDeriv(s, p, d);
-            return std::hypot(d.X, d.Y);
-        };
-        total += IntegrateAdaptive(speed, 0.0, 1.0, 1e-13 * polygon);
-    }
+    for (const TBezier2D& b : Pieces) total += PieceLength(b);
     return total;
 }
 
