@@ -147,8 +147,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;  // the library refused to build it: no face to convert
     }
     const double tolerance = Value(in, 1e-3, 10);
+    io::EdgeTable edges(tolerance);
     try {
-        const io::FaceData converted = io::ConvertFace(face, 1, "face 1");
+        const io::FaceData converted = io::ConvertFace(face, 1, "face 1", edges);
         CheckRoundTrip(converted);
         Prepare(converted, tolerance);
     } catch (const io::EFaceSkipped&) {

@@ -29,12 +29,17 @@ struct NurbsSurfaceData {
 };
 
 // One boundary curve in UV space: a clamped planar NURBS curve, a segment when Degree is 1
-// and it has two poles.
+// and it has two poles. Where the curve is the use of a B-rep edge, Edge names it and
+// EdgeUV holds the UV of the edge's shared points (EdgeData::Points) in the curve's running
+// direction: EdgeUV.front() is where the curve starts.
 struct TrimCurveData {
     int Degree = 1;
     std::vector<double> Knots;
     std::vector<TPoint2D> Poles;
     std::vector<double> Weights;  // empty: not rational
+    int Edge = -1;                // index into CadModelData::Edges; -1: a bridge the reader added
+    bool AgainstEdge = false;     // the curve runs from the edge's last point to its first
+    std::vector<TPoint2D> EdgeUV;
 
     bool IsLine() const { return Degree == 1 && Poles.size() == 2; }
     TPoint2D Start() const { return Poles.front(); }
@@ -65,6 +70,20 @@ struct FaceData {
     bool Reversed = false;            // material normal is the surface normal negated
     DerivativeBounds Bounds;
     double ExactArea = 0.0;           // the face's area as the reader's library measures it
+    int Solid = -1;                   // index into CadModelData::Solids; -1: not in a solid
+};
+
+// An edge of the B-rep, discretised once for every face that uses it: a polyline within the
+// meshing tolerance of the edge's curve, its ends the edge's vertices (so that edges meeting
+// at a vertex share that point bit for bit). A degenerate edge (a pole) is one point repeated.
+struct EdgeData {
+    std::vector<TPoint3D> Points;
+    bool Degenerate = false;
+};
+
+// A solid of the file: its faces carry its index.
+struct SolidData {
+    double ExactVolume = 0.0;
 };
 
 // A face that could not be converted, with the reason.
@@ -89,6 +108,9 @@ struct CadModelData {
     double ExactArea = 0.0;    // of all faces, converted or not
     double ExactVolume = 0.0;  // of the solids; 0 when there are none
     int SolidCount = 0;
+    std::vector<EdgeData> Edges;    // the edges the faces' loops use
+    std::vector<SolidData> Solids;
+    double Tolerance = 0.0;         // the chordal tolerance the edges were discretised at
 
     int FaceCount() const { return static_cast<int>(Faces.size() + Skipped.size()); }
 };

@@ -12,6 +12,7 @@
 
 #include "io/CadFileReader.h"
 #include "io/FaceConverter.h"
+#include "io/ModelMesher.h"
 
 namespace orvane::io {
 namespace {
@@ -22,11 +23,13 @@ std::string FaceName(const CadFileReader& reader, const TopoDS_Shape& face, int 
     return "face " + std::to_string(number) + (label.empty() ? "" : " (" + label + ")");
 }
 
-void ConvertOne(const CadFileReader& reader, const TopoDS_Face& face, int number, CadModelData& model)
+void ConvertOne(const CadFileReader& reader, const TopoDS_Face& face, int number, EdgeTable& edges, int solid,
+                CadModelData& model)
 {
     const std::string name = FaceName(reader, face, number);
     try {
-        model.Faces.push_back(ConvertFace(face, number, name));
+        model.Faces.push_back(ConvertFace(face, number, name, edges));
+        model.Faces.back().Solid = solid;
     } catch (const EFaceSkipped& e) {
         model.Skipped.push_back({number, name, e.what()});
     } catch (const Standard_Failure& e) {
@@ -47,6 +50,10 @@ void MeasureShape(const TopoDS_Shape& shape, CadModelData& model)
         model.ExactVolume += volume.Mass();
         ++model.SolidCount;
     }
+}
+
+void MeasureBox(const TopoDS_Shape& shape, CadModelData& model)
+{
     Bnd_Box box;
     BRepBndLib::AddOptimal(shape, box, Standard_False, Standard_False);
     if (box.IsVoid()) return;
@@ -55,22 +62,55 @@ void MeasureShape(const TopoDS_Shape& shape, CadModelData& model)
     model.Box = {{x0, y0, z0}, {x1, y1, z1}};
 }
 
+// The solid each face belongs to (the first that holds it), -1 for a face in none; one entry
+// of Model.Solids a solid, with its exact volume.
+std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& faces, CadModelData& model)
+{
+    std::vector<int> solidOf(static_cast<std::size_t>(faces.Extent()), -1);
+    for (TopExp_Explorer ex(shape, TopAbs_SOLID); ex.More(); ex.Next()) {
+        const int solid = static_cast<int>(model.Solids.size());
+        SolidData data;
+        try {
+            GProp_GProps volume;
+            BRepGProp::VolumeProperties(ex.Current(), volume);
+            data.ExactVolume = volume.Mass();
+        } catch (const Standard_Failure&) {
+        }
+        model.Solids.push_back(data);
+        for (TopExp_Explorer f(ex.Current(), TopAbs_FACE); f.More(); f.Next()) {
+            const int index = faces.FindIndex(f.Current());
+            if (index > 0 && solidOf[static_cast<std::size_t>(index - 1)] < 0) solidOf[static_cast<std::size_t>(index - 1)] = solid;
+        }
+    }
+    return solidOf;
+}
+
 }  // namespace
 
-CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress)
+CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance)
 {
     const CadFileReader reader(Path);
+    const TopoDS_Shape& shape = reader.Shape();
     TopTools_IndexedMapOfShape faces;
-    TopExp::MapShapes(reader.Shape(), TopAbs_FACE, faces);
+    TopExp::MapShapes(shape, TopAbs_FACE, faces);
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
     CadModelData model;
     model.Format = reader.FormatName();
+    try {
+        MeasureBox(shape, model);
+    } catch (const Standard_Failure&) {
+        // The default tolerance then falls back to its floor.
+    }
+    model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
+    const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
+    EdgeTable edges(model.Tolerance);
     for (int i = 1; i <= faces.Extent(); ++i) {
-        ConvertOne(reader, TopoDS::Face(faces(i)), i, model);
+        ConvertOne(reader, TopoDS::Face(faces(i)), i, edges, solidOf[static_cast<std::size_t>(i - 1)], model);
         if (Progress) Progress(i, faces.Extent());
     }
+    model.Edges = edges.Take();
     try {
-        MeasureShape(reader.Shape(), model);
+        MeasureShape(shape, model);
     } catch (const Standard_Failure&) {
         // Measures are for reports and checks; a shape the library cannot measure still meshes.
     }

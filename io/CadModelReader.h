@@ -12,8 +12,9 @@ namespace orvane::io {
 // Told after each face: how many are done, of how many.
 using ProgressFn = std::function<void(int Done, int Total)>;
 
-// Reads Path in this process. Raises ECadFileError (CadFileReader.h) for a file that cannot be
-// read or holds no faces: "<path> holds no faces".
-CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress = {});
+// Reads Path in this process; the edges are discretised at Tolerance (0: the default tolerance
+// of the model, DefaultTolerance in ModelMesher.h). Raises ECadFileError (CadFileReader.h) for
+// a file that cannot be read or holds no faces: "<path> holds no faces".
+CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress = {}, double Tolerance = 0.0);
 
 }  // namespace orvane::io

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <utility>
 
+#include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_NurbsConvert.hxx>
 #include <BRepGProp.hxx>
 #include <BRepTools.hxx>
@@ -23,7 +24,10 @@
 #include <Standard_Failure.hxx>
 #include <TColStd_Array1OfReal.hxx>
 #include <TColgp_Array1OfPnt2d.hxx>
+#include <ShapeAnalysis_Curve.hxx>
 #include <TopExp.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopTools_DataMapOfShapeShape.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Iterator.hxx>
 #include <TopoDS_Wire.hxx>
@@ -43,22 +47,38 @@ std::string Text(const auto&... parts)
 }
 
 // One edge's curve in UV, in the direction the loop runs, with the 3D tolerance of its ends.
+// Edge is the face's edge as its wire holds it (null for a bridge added here); Against tells
+// that the curve runs against the edge's parameter.
 struct LoopCurve {
     Curve2d Curve;
     double Tolerance = 0.0;
+    TopoDS_Edge Edge;
+    bool Against = false;
     gp_Pnt2d Start() const { return Curve->StartPoint(); }
     gp_Pnt2d End() const { return Curve->EndPoint(); }
+};
+
+// What the faces need to take their edges' shared points: the table, and for a face that was
+// converted to NURBS, which edge of the original shape each converted edge stands for.
+struct EdgeContext {
+    EdgeTable& Table;
+    TopTools_DataMapOfShapeShape Original;  // converted edge -> original edge; empty: not converted
 };
 
 // --- Surface --------------------------------------------------------------------------------
 
 // The face converted by OpenCASCADE, whose pcurves are recomputed for the new surface: the
 // NURBS form of a cylinder or a sphere is parametrised differently from the original.
-TopoDS_Face NurbsFace(const TopoDS_Face& face)
+// Original receives, for each converted edge, the edge of the original face it stands for.
+TopoDS_Face NurbsFace(const TopoDS_Face& face, TopTools_DataMapOfShapeShape& original)
 {
     BRepBuilderAPI_NurbsConvert convert(face, Standard_True);
     if (!convert.IsDone() || convert.Shape().ShapeType() != TopAbs_FACE)
         throw EFaceSkipped("the conversion to NURBS failed");
+    for (TopExp_Explorer ex(face, TopAbs_EDGE); ex.More(); ex.Next()) {
+        const TopoDS_Shape& converted = convert.ModifiedShape(ex.Current());
+        if (!original.IsBound(converted)) original.Bind(converted, ex.Current());
+    }
     return TopoDS::Face(convert.Shape());
 }
 
@@ -234,8 +254,9 @@ bool EdgeCurve(const TopoDS_Edge& edge, const TopoDS_Face& face, int loop, int n
         throw EFaceSkipped(Text("edge ", number, " of loop ", loop, " has no curve in the face's parameters"));
     if (!(last - first > Precision::PConfusion())) return false;
     Curve2d c = Geom2dConvert::CurveToBSplineCurve(new Geom2d_TrimmedCurve(pcurve, first, last));
-    if (edge.Orientation() == TopAbs_REVERSED) c->Reverse();
-    out = {c, EdgeTolerance(edge)};
+    const bool against = edge.Orientation() == TopAbs_REVERSED;
+    if (against) c->Reverse();
+    out = {c, EdgeTolerance(edge), edge, against};
     return true;
 }
 
@@ -276,7 +297,7 @@ void CloseJoints(std::vector<LoopCurve>& curves, const GeomAdaptor_Surface& s, i
         if (std::fabs(end.X() - start.X()) <= s.UResolution(tol) && std::fabs(end.Y() - start.Y()) <= s.VResolution(tol)) {
             closed.back().Curve->SetPole(closed.back().Curve->NbPoles(), start);
         } else if (CollapsesOnSurface(s, end, start, tol)) {
-            closed.push_back({LineCurve(end, start), tol});
+            closed.push_back({LineCurve(end, start), tol, {}, false});
         } else {
             throw EFaceSkipped(Text("open trim loop: loop ", loop, " has a gap of ", end.Distance(start),
                                     " in UV after edge ", i + 1));
@@ -305,7 +326,10 @@ double SignedArea(const std::vector<LoopCurve>& curves)
 void Reverse(std::vector<LoopCurve>& curves)
 {
     std::reverse(curves.begin(), curves.end());
-    for (LoopCurve& c : curves) c.Curve->Reverse();
+    for (LoopCurve& c : curves) {
+        c.Curve->Reverse();
+        c.Against = !c.Against;
+    }
 }
 
 // Poles within rounding outside the surface's range are put on its edge: a loop that runs
@@ -320,6 +344,51 @@ void SnapIntoDomain(TPoint2D& p, const TRect2D& d)
     };
     snap(p.X, d.Min.X, d.Max.X, snapU);
     snap(p.Y, d.Min.Y, d.Max.Y, snapV);
+}
+
+// Parameters on the converted edge of the original edge's shared points: the converted
+// curves are parametrised afresh, so each inner point is projected onto the converted edge,
+// starting from the one before (the points run along the edge).
+std::vector<double> ConvertedParameters(const TopoDS_Edge& converted, const EdgeData& e, double first, double last)
+{
+    std::vector<double> t(e.Points.size(), first);
+    t.back() = last;
+    if (e.Degenerate) return t;
+    const BRepAdaptor_Curve curve(TopoDS::Edge(converted.Oriented(TopAbs_FORWARD)));
+    const ShapeAnalysis_Curve analysis;
+    for (std::size_t i = 1; i + 1 < t.size(); ++i) {
+        gp_Pnt projected;
+        double param = t[i - 1];
+        analysis.NextProject(t[i - 1], curve, gp_Pnt(e.Points[i].X, e.Points[i].Y, e.Points[i].Z), Precision::Confusion(),
+                             projected, param);
+        t[i] = std::clamp(param, t[i - 1], last);
+    }
+    return t;
+}
+
+// The UV on this face of the shared points of the curve's edge, in the curve's running
+// direction, the ends exactly where the curve starts and ends. Nothing for a bridge.
+void TakeSharedPoints(const LoopCurve& c, EdgeContext& edges, const TopoDS_Face& face, const TRect2D& domain,
+                      TrimCurveData& d)
+{
+    if (c.Edge.IsNull()) return;
+    const bool converted = !edges.Original.IsEmpty();
+    if (converted && !edges.Original.IsBound(c.Edge)) return;
+    const TopoDS_Edge original = converted ? TopoDS::Edge(edges.Original.Find(c.Edge)) : c.Edge;
+    d.Edge = edges.Table.Index(original);
+    d.AgainstEdge = c.Against;
+    double first = 0.0, last = 0.0;
+    const Handle(Geom2d_Curve) pcurve = BRep_Tool::CurveOnSurface(c.Edge, face, first, last);
+    const std::vector<double> t = converted ? ConvertedParameters(c.Edge, edges.Table.Data(d.Edge), first, last)
+                                            : edges.Table.Parameters(d.Edge);
+    for (double param : t) {
+        const gp_Pnt2d uv = pcurve->Value(param);
+        d.EdgeUV.push_back({uv.X(), uv.Y()});
+        SnapIntoDomain(d.EdgeUV.back(), domain);
+    }
+    if (c.Against) std::reverse(d.EdgeUV.begin(), d.EdgeUV.end());
+    d.EdgeUV.front() = d.Poles.front();
+    d.EdgeUV.back() = d.Poles.back();
 }
 
 TrimCurveData CurveData(const Curve2d& c, const TRect2D& domain)
@@ -354,7 +423,8 @@ std::vector<LoopCurve> WireCurves(const TopoDS_Wire& wire, const TopoDS_Face& fa
     return curves;
 }
 
-std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSplineSurface)& s, const TRect2D& domain)
+std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSplineSurface)& s, const TRect2D& domain,
+                                 EdgeContext& edges)
 {
     const TopoDS_Face forward = TopoDS::Face(face.Oriented(TopAbs_FORWARD));
     GeomAdaptor_Surface adaptor(s);
@@ -382,7 +452,10 @@ std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSpli
     for (std::size_t l = 0; l < loops.size(); ++l) {
         if ((l == 0) != (areas[l] > 0.0)) Reverse(loops[l]);
         TrimLoopData data;
-        for (const LoopCurve& c : loops[l]) data.push_back(CurveData(c.Curve, domain));
+        for (const LoopCurve& c : loops[l]) {
+            data.push_back(CurveData(c.Curve, domain));
+            TakeSharedPoints(c, edges, forward, domain, data.back());
+        }
         result.push_back(std::move(data));
     }
     return result;
@@ -412,8 +485,9 @@ double FaceArea(const TopoDS_Face& face)
     return props.Mass();
 }
 
-FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
+FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& table)
 {
+    EdgeContext edges{table, {}};
     FaceData f;
     f.Number = number;
     f.Name = name;
@@ -422,7 +496,7 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
     TopoDS_Face converted = face;
     Handle(Geom_BSplineSurface) s = DirectNurbs(face);
     if (s.IsNull()) {
-        converted = NurbsFace(face);
+        converted = NurbsFace(face, edges.Original);
         s = BSplineOf(converted, face);
     }
     double u0, u1, v0, v1;
@@ -432,7 +506,7 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
     ShiftKnots(f.Surface.KnotsU, shift.X());
     ShiftKnots(f.Surface.KnotsV, shift.Y());
     if (auto problem = FindSurfaceProblem(f.Surface); !problem.empty()) throw EFaceSkipped(problem);
-    f.Loops = Loops(converted, s, f.Surface.Domain());
+    f.Loops = Loops(converted, s, f.Surface.Domain(), edges);
     f.Bounds = SampleDerivatives(s);
     f.ExactArea = FaceArea(face);
     return f;
@@ -440,10 +514,10 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name)
 
 }  // namespace
 
-FaceData ConvertFace(const TopoDS_Face& Face, int Number, const std::string& Name)
+FaceData ConvertFace(const TopoDS_Face& Face, int Number, const std::string& Name, EdgeTable& Edges)
 {
     try {
-        return Convert(Face, Number, Name);
+        return Convert(Face, Number, Name, Edges);
     } catch (const Standard_Failure& e) {
         throw EFaceSkipped(Text("the geometry library failed: ", e.DynamicType()->Name(),
                                 *e.GetMessageString() ? ": " : "", e.GetMessageString()));

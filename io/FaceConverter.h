@@ -9,6 +9,7 @@
 #include <TopoDS_Face.hxx>
 
 #include "io/CadFaceData.h"
+#include "io/EdgeTable.h"
 
 namespace orvane::io {
 
@@ -23,7 +24,9 @@ public:
 // edges closer than the edges' tolerance are closed; a joint whose gap collapses to one point
 // on the surface (a pole without its degenerate edge) is bridged by a segment; any other gap
 // raises EFaceSkipped "open trim loop: ...". The outer loop runs counter-clockwise in UV, the
-// holes clockwise, so that the face lies to the left of every loop.
-FaceData ConvertFace(const TopoDS_Face& Face, int Number, const std::string& Name);
+// holes clockwise, so that the face lies to the left of every loop. Each curve that is the use
+// of an edge names it in Edges (which discretises it on first use) and carries the UV of the
+// edge's shared points.
+FaceData ConvertFace(const TopoDS_Face& Face, int Number, const std::string& Name, EdgeTable& Edges);
 
 }  // namespace orvane::io

@@ -3,6 +3,8 @@
 #include <array>
 #include <stdexcept>
 
+#include "io/FaceOrientation.h"
+#include "io/KernelFace.h"
 #include "glu_triangulation/GluView.h"
 #include "glu_triangulation/uTriangulate.h"
 #include "opengl/Platform.h"
@@ -56,6 +58,22 @@ GluRoad::~GluRoad()
 void GluRoad::Triangulate(const TGeSurface& Surface, TFloatDynArray& Tri, TFloatDynArray& Norm)
 {
     FState->Triangulator.Triangulate(&Surface, Tri, Norm);
+}
+
+// A face that is its whole surface goes to GLU untrimmed: Mesa's GLU covers a rational
+// surface twice over where a trim loop runs along the whole boundary.
+std::string MeshFaceByGlu(GluRoad& Road, const FaceData& F, FaceMesh& Out)
+{
+    const auto surface = CoversWholeDomain(F) ? std::unique_ptr<TGeSurface>(BuildKernelSurface(F.Surface))
+                                              : std::unique_ptr<TGeSurface>(BuildKernelFace(F));
+    Road.Triangulate(*surface, Out.Tri, Out.Norm);
+    OrientFaceMesh(F, Out.Tri, Out.Norm);
+    if (Out.Tri.size() < 9) {
+        Out.Tri.clear();
+        Out.Norm.clear();
+        return "GLU gave no triangles";
+    }
+    return "";
 }
 
 }  // namespace orvane::io

@@ -7,6 +7,7 @@
 
 #include "contracts/Cadgeometry.h"
 #include "io/CadFaceData.h"
+#include "io/ModelMesher.h"
 
 namespace orvane::io {
 
@@ -26,5 +27,10 @@ private:
     struct State;
     std::unique_ptr<State> FState;
 };
+
+// Meshes F on the GLU road into Out.Tri and Out.Norm, pointed out of the material. Returns ""
+// when the result is kept; otherwise the reason it was refused, one line without the face's
+// name, with Out's arrays empty.
+std::string MeshFaceByGlu(GluRoad& Road, const FaceData& F, FaceMesh& Out);
 
 }  // namespace orvane::io

@@ -176,9 +176,10 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
     return DecodeModel(listener.Payload());
 }
 
-CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress)
+CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress,
+                                  double Tolerance)
 {
-    return RunIsolated([&Path](const ProgressFn& progress) { return ReadCadModel(Path, progress); }, Path,
+    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance); }, Path,
                        TimeLimitSeconds, Progress);
 }
 

@@ -20,6 +20,7 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
                          double TimeLimitSeconds, const ProgressFn& Progress = {});
 
 // ReadCadModel in a child process.
-CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress = {});
+CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress = {},
+                                  double Tolerance = 0.0);
 
 }  // namespace orvane::io

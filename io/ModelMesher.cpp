@@ -7,12 +7,11 @@
 
 #include "contracts/AppSystem.h"
 #include "contracts/Interfaces.h"
-#include "io/FaceOrientation.h"
+#include "io/EdgeStitching.h"
 #include "io/FacePreparation.h"
 #include "io/FaceValidation.h"
 #include "io/GluRoad.h"
-#include "io/KernelFace.h"
-#include "tessellation/uTessQuadsTriangulator.h"
+#include "io/QuadFaceMesher.h"
 
 namespace orvane::io {
 namespace {
@@ -22,26 +21,6 @@ using Clock = std::chrono::steady_clock;
 double Since(Clock::time_point start)
 {
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// Builds what the road is given: the prepared face for the quad road; for the GLU road the
-// face in its own parameters (GLU samples in pixels, and its trim polylines count their
-// samples by UV length), and the bare surface where the face is all of it: Mesa's GLU covers
-// a rational surface twice over where a trim loop runs along the whole boundary. Raises what
-// the kernel or the preparation raise.
-std::unique_ptr<TGeSurface> KernelFaceFor(const FaceData& f, const MeshSettings& s, double tolerance,
-                                          long long& plannedQuads)
-{
-    if (s.Road == MeshRoad::Glu) {
-        if (CoversWholeDomain(f)) return BuildKernelSurface(f.Surface);
-        return BuildKernelFace(f);
-    }
-    PreparationSettings p;
-    p.Tolerance = tolerance;
-    p.MaxQuads = s.MaxQuads;
-    PreparedFace prepared = PrepareFace(f, p);
-    plannedQuads = prepared.Plan.Quads();
-    return std::move(prepared.Surface);
 }
 
 // Catches what is shown through the application's message sink while it lives.
@@ -56,6 +35,24 @@ public:
 private:
     std::vector<std::string> FTexts;
     TMessageSink FPrevious;
+};
+
+// The flat arrays of a face the GLU road meshed, as an indexed mesh: each vertex its own,
+// points that GLU gave twice welded.
+void IndexGluFace(FaceMesh& m, PointWelder& points)
+{
+    for (std::size_t k = 0; k + 2 < m.Tri.size(); k += 3) {
+        m.Points.push_back(points.Of({m.Tri[k], m.Tri[k + 1], m.Tri[k + 2]}));
+        m.Normals.push_back(TPoint3D{m.Norm[k], m.Norm[k + 1], m.Norm[k + 2]});
+    }
+    for (int v = 0; v + 2 < static_cast<int>(m.Points.size()); v += 3) m.Triangles.push_back({v, v + 1, v + 2});
+}
+
+// One face on its way: a draft of the quad road or a finished GLU mesh.
+struct FaceSlot {
+    const FaceData* Face = nullptr;
+    int Draft = -1;
+    FaceMesh Glu;
 };
 
 }  // namespace
@@ -77,36 +74,57 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
 {
     ModelMesh mesh;
     mesh.Skipped = Model.Skipped;
+    mesh.Solids = Model.Solids;
     mesh.Tolerance = Settings.Tolerance > 0.0 ? Settings.Tolerance : DefaultTolerance(Model);
     std::optional<GluRoad> glu;
     if (Settings.Road == MeshRoad::Glu) glu.emplace(Model.Box, Settings.ViewWidth, Settings.ViewHeight);
-    const TInterfacePtr<IGeSurfaceTriangulator> quad(new TQuadSurfaceTriangulator());
     MessageCatcher messages;
+    std::vector<FaceSlot> slots;
+    std::vector<const FaceData*> quadFaces;
+    std::vector<FaceDraft> drafts;
     int done = 0;
     for (const FaceData& f : Model.Faces) {
-        FaceMesh out{f.Number, f.Name, {}, {}, 0};
         try {
             if (auto problem = FindFaceProblem(f, 1e-9); !problem.empty()) throw EFaceRefused(problem);
-            auto start = Clock::now();
-            const auto surface = KernelFaceFor(f, Settings, mesh.Tolerance, out.PlannedQuads);
-            mesh.ConvertSeconds += Since(start);
-            start = Clock::now();
-            if (glu)
-                glu->Triangulate(*surface, out.Tri, out.Norm);
-            else
-                quad->Triangulate(surface.get(), out.Tri, out.Norm);
-            mesh.TessellateSeconds += Since(start);
-            start = Clock::now();
-            OrientFaceMesh(f, out.Tri, out.Norm);
-            mesh.OrientSeconds += Since(start);
-            if (out.Tri.size() < 9) throw EFaceRefused("the road gave no triangles");
-            mesh.Faces.push_back(std::move(out));
+            FaceSlot slot{&f, -1, {f.Number, f.Name, f.Solid, {}, {}, 0, true, {}, {}, {}, {}}};
+            const std::string refused = glu ? MeshFaceByGlu(*glu, f, slot.Glu) : "quad";
+            if (refused.empty()) {
+                slots.push_back(std::move(slot));
+            } else {
+                if (glu) mesh.Notes.push_back({f.Number, f.Name, refused + "; meshed on the quad road instead"});
+                const auto start = Clock::now();
+                FaceDraft draft = DraftQuadFace(f, mesh.Tolerance, Settings.MaxQuads);
+                mesh.TessellateSeconds += Since(start);
+                if (draft.Triangles.empty()) throw EFaceRefused("the road gave no triangles");
+                slots.push_back({&f, static_cast<int>(drafts.size()), {}});
+                quadFaces.push_back(&f);
+                drafts.push_back(std::move(draft));
+            }
         } catch (const std::exception& e) {
             mesh.Skipped.push_back({f.Number, f.Name, e.what()});
         }
         for (const std::string& text : messages.Take()) mesh.Notes.push_back({f.Number, f.Name, text});
         if (Progress) Progress(++done, static_cast<int>(Model.Faces.size()));
     }
+    const auto start = Clock::now();
+    StitchDrafts(Model, quadFaces, drafts);
+    PointWelder points;
+    for (FaceSlot& slot : slots) {
+        if (slot.Draft < 0) {
+            IndexGluFace(slot.Glu, points);
+            mesh.Faces.push_back(std::move(slot.Glu));
+            continue;
+        }
+        FaceMesh face = FaceMeshOf(*slot.Face, drafts[static_cast<std::size_t>(slot.Draft)], points);
+        if (face.Triangles.empty())
+            mesh.Skipped.push_back({face.Number, face.Name, "the road gave no triangles"});
+        else
+            mesh.Faces.push_back(std::move(face));
+    }
+    mesh.Points = points.Take();
+    for (FaceMesh& f : mesh.Faces)
+        if (!f.FromGlu) FillFlatArrays(mesh.Points, f);
+    mesh.OrientSeconds += Since(start);
     return mesh;
 }
 

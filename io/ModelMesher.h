@@ -2,6 +2,7 @@
 // result out of the material.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -25,16 +26,31 @@ struct MeshSettings {
 inline constexpr double kDefaultToleranceShare = 4e-4;
 double DefaultTolerance(const CadModelData& Model);
 
+// One face's mesh. The indexed form is the truth; Tri and Norm are its flat arrays.
 struct FaceMesh {
     int Number = 0;
     std::string Name;
+    int Solid = -1;       // index into the model's solids; -1: not in a solid
     TFloatDynArray Tri;   // triangles, three vertices each, counter-clockwise seen from outside
     TFloatDynArray Norm;  // the normal of each vertex, out of the material
     long long PlannedQuads = 0;  // quad road: what the preparation expected
+    bool FromGlu = false;        // meshed by the GLU road (not welded to its neighbours)
+
+    // Indexed form: each vertex of the face is a point of the model (ModelMesh::Points, shared
+    // bit for bit with the neighbour faces along their common edges) with the face's own
+    // normal there.
+    std::vector<int> Points;
+    std::vector<TPoint3D> Normals;               // unit, out of the material
+    std::vector<std::array<int, 3>> Triangles;  // the face's vertices, counter-clockwise from outside
+    // Triangles QuadStarts[k] and QuadStarts[k] + 1, (a, b, c) and (a, c, d), are the quad
+    // (a, b, c, d) of the quad road; ascending.
+    std::vector<int> QuadStarts;
 };
 
 struct ModelMesh {
     std::vector<FaceMesh> Faces;         // in the model's order, only faces with triangles
+    std::vector<TPoint3D> Points;        // the positions the faces' vertices share
+    std::vector<SolidData> Solids;       // the model's solids
     std::vector<SkippedFace> Skipped;    // the reader's, then those refused or left empty here
     std::vector<SkippedFace> Notes;      // what a road reported of a face it meshed in part
     double Tolerance = 0.0;              // quad road: the one used

@@ -122,11 +122,15 @@ void PutFace(Writer& w, const FaceData& f)
             w.PutVector(c.Knots);
             w.PutVector(c.Poles);
             w.PutVector(c.Weights);
+            w.Put(c.Edge);
+            w.Put(static_cast<std::uint8_t>(c.AgainstEdge ? 1 : 0));
+            w.PutVector(c.EdgeUV);
         }
     }
     w.Put(static_cast<std::uint8_t>(f.Reversed ? 1 : 0));
     w.Put(f.Bounds);
     w.Put(f.ExactArea);
+    w.Put(f.Solid);
 }
 
 FaceData GetFace(Reader& r)
@@ -144,11 +148,15 @@ FaceData GetFace(Reader& r)
             c.Knots = r.GetVector<double>();
             c.Poles = r.GetVector<TPoint2D>();
             c.Weights = r.GetVector<double>();
+            c.Edge = r.Get<int>();
+            c.AgainstEdge = r.Get<std::uint8_t>() != 0;
+            c.EdgeUV = r.GetVector<TPoint2D>();
         }
     }
     f.Reversed = r.Get<std::uint8_t>() != 0;
     f.Bounds = r.Get<DerivativeBounds>();
     f.ExactArea = r.Get<double>();
+    f.Solid = r.Get<int>();
     return f;
 }
 
@@ -171,6 +179,13 @@ std::string EncodeModel(const CadModelData& Model)
     w.Put(Model.ExactArea);
     w.Put(Model.ExactVolume);
     w.Put(Model.SolidCount);
+    w.Put(static_cast<std::uint64_t>(Model.Edges.size()));
+    for (const EdgeData& e : Model.Edges) {
+        w.PutVector(e.Points);
+        w.Put(static_cast<std::uint8_t>(e.Degenerate ? 1 : 0));
+    }
+    w.PutVector(Model.Solids);
+    w.Put(Model.Tolerance);
     return w.Take();
 }
 
@@ -192,6 +207,13 @@ CadModelData DecodeModel(std::string_view Bytes)
     m.ExactArea = r.Get<double>();
     m.ExactVolume = r.Get<double>();
     m.SolidCount = r.Get<int>();
+    m.Edges.resize(r.Count(9));
+    for (EdgeData& e : m.Edges) {
+        e.Points = r.GetVector<TPoint3D>();
+        e.Degenerate = r.Get<std::uint8_t>() != 0;
+    }
+    m.Solids = r.GetVector<SolidData>();
+    m.Tolerance = r.Get<double>();
     if (!r.AtEnd()) Reader::Damaged();
     return m;
 }

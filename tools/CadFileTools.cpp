@@ -35,11 +35,12 @@ bool IsCadFileName(const std::string& Name)
     return ext == ".igs" || ext == ".iges" || ext == ".stp" || ext == ".step" || std::filesystem::is_regular_file(Name);
 }
 
-io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds)
+io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds, double Tolerance)
 {
     io::ProgressBar bar("reading " + std::filesystem::path(Path).filename().string());
     try {
-        return io::ReadCadModelIsolated(Path, TimeLimitSeconds, [&](int done, int total) { bar.Update(done, total); });
+        return io::ReadCadModelIsolated(
+            Path, TimeLimitSeconds, [&](int done, int total) { bar.Update(done, total); }, Tolerance);
     } catch (const io::ECadFileError& e) {
         bar.Finish();
         throw std::runtime_error(e.what());

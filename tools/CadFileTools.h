@@ -23,7 +23,8 @@ bool IsCadFileName(const std::string& Name);
 
 // Reads Path in a child process, with a progress bar while it takes long. Raises
 // std::runtime_error with one line when the file cannot be read or holds no faces.
-io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds);
+// Tolerance: what the edges are discretised at (0: the model's default tolerance).
+io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds, double Tolerance = 0.0);
 
 // Meshes the model with a progress bar; raises "<Path>: no face could be meshed" when no face
 // gave triangles.

@@ -1,6 +1,6 @@
-// orvane mesh FILE -o OUT [--road quad|glu] [--tolerance T] [--size WxH]: every face of an
-// IGES or STEP file tessellated, pointed out of the material, and written as OBJ, binary STL
-// or binary glTF, as the output's extension says.
+// orvane mesh FILE -o OUT [--road quad|glu] [--tolerance T] [--size WxH] [--quads]: every
+// face of an IGES or STEP file tessellated, pointed out of the material, welded, and written
+// as OBJ, binary STL or binary glTF, as the output's extension says.
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
@@ -8,12 +8,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "io/AtomicFile.h"
 #include "io/MeshWriters.h"
 #include "tools/CadFileTools.h"
 #include "tools/Commands.h"
 #include "tools/GluTessellate.h"
-#include "tools/ObjWriter.h"
 
 namespace orvane::tools {
 namespace {
@@ -25,6 +23,7 @@ struct TMeshOptions {
     double Tolerance = 0.0;
     std::string Size = "1024x1024";
     double TimeLimit = kDefaultReadSeconds;
+    bool Quads = false;
 };
 
 enum class TMeshFormat { Obj, Stl, Glb };
@@ -39,17 +38,6 @@ TMeshFormat FormatOf(const std::string& path)
     throw std::runtime_error(path + ": the output must end in .obj, .stl or .glb");
 }
 
-// Each face an object of its own, in full double precision.
-void WriteObj(const std::string& path, const std::string& source, const io::ModelMesh& mesh)
-{
-    io::WriteFileAtomically(path, [&](const std::string& temp) {
-        WriteObjFile(temp, [&](TObjWriter& writer) {
-            writer.Comment("orvane mesh of " + source);
-            for (const io::FaceMesh& f : mesh.Faces) writer.AddMesh(f.Name, f.Tri, f.Norm, 3);
-        });
-    });
-}
-
 std::string Number(double x)
 {
     char text[32];
@@ -60,6 +48,8 @@ std::string Number(double x)
 void Run(const TMeshOptions& options)
 {
     const TMeshFormat format = FormatOf(options.Output);
+    if (options.Quads && format != TMeshFormat::Obj)
+        throw std::runtime_error(options.Output + ": --quads writes OBJ only, the output must end in .obj");
     io::MeshSettings settings;
     settings.Road = options.Road == "glu" ? io::MeshRoad::Glu : io::MeshRoad::Quad;
     settings.Tolerance = options.Tolerance;
@@ -67,19 +57,21 @@ void Run(const TMeshOptions& options)
     settings.ViewWidth = view.Width;
     settings.ViewHeight = view.Height;
 
-    const io::CadModelData model = ReadCadFile(options.File, options.TimeLimit);
+    const io::CadModelData model = ReadCadFile(options.File, options.TimeLimit, options.Tolerance);
     const io::ModelMesh mesh = MeshCadModel(model, settings, options.File);
     ReportFaces(options.File, mesh);
-    const io::IndexedMesh merged = io::MergeFaces(mesh);
-    if (format == TMeshFormat::Obj) WriteObj(options.Output, options.File, mesh);
-    if (format == TMeshFormat::Stl) io::WriteStl(options.Output, merged);
-    if (format == TMeshFormat::Glb) io::WriteGlb(options.Output, merged);
+    const io::WeldedMesh welded = io::WeldFaces(mesh);
+    if (format == TMeshFormat::Obj) io::WriteObj(options.Output, welded, {"orvane mesh of " + options.File, options.Quads});
+    if (format == TMeshFormat::Stl) io::WriteStl(options.Output, welded);
+    if (format == TMeshFormat::Glb) io::WriteGlb(options.Output, welded);
+    std::size_t vertices = 0;
+    for (const io::WeldedBody& body : welded.Bodies) vertices += body.Points.size();
 
     const std::string how = settings.Road == io::MeshRoad::Glu
                                 ? "glu road, " + options.Size + " view"
                                 : "quad road, tolerance " + Number(mesh.Tolerance);
-    std::printf("%s: %zu of %d faces, %zu triangles, %zu vertices after merging -> %s (%s)\n", options.File.c_str(),
-                mesh.Faces.size(), model.FaceCount(), mesh.TriangleCount(), merged.Vertices.size() / 3,
+    std::printf("%s: %zu of %d faces, %zu triangles, %zu vertices after welding -> %s (%s)\n", options.File.c_str(),
+                mesh.Faces.size(), model.FaceCount(), mesh.TriangleCount(), vertices,
                 options.Output.c_str(), how.c_str());
 }
 
@@ -104,6 +96,8 @@ void AddMeshCommand(CLI::App& app)
                      "glu road: the view WIDTHxHEIGHT in pixels that the model is fitted into; GLU samples in its "
                      "pixels, so a larger view gives a finer mesh")
         ->capture_default_str();
+    mesh->add_flag("--quads", options->Quads,
+                   "OBJ only: each quad of the quad road as one 4-vertex face, the other triangles as 3-vertex faces");
     AddTimeLimitOption(*mesh, options->TimeLimit);
     mesh->callback([options] { Run(*options); });
 }

@@ -110,8 +110,9 @@ TEST(BadFiles, MissingGarbageAndTruncatedFilesGiveOneClearLine)
 
 TEST(BadFiles, AFaceWithAnOpenLoopIsSkippedWithItsReason)
 {
+    EdgeTable edges(0.01);
     try {
-        ConvertFace(FaceWithOpenLoop(), 3, "face 3");
+        ConvertFace(FaceWithOpenLoop(), 3, "face 3", edges);
         FAIL() << "converted";
     } catch (const EFaceSkipped& e) {
         EXPECT_STREQ(e.what(), "open trim loop: loop 1 has a gap of 10 in UV after edge 3");

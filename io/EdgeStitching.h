@@ -1,0 +1,50 @@
+// Makes the quad road's faces meet vertex to vertex. Every boundary vertex of a face lies on a
+// segment of one of its loops, and so on an edge's shared polyline: it takes that polyline's 3D
+// point there, and every other use of the edge (the neighbour face, or the other side of a
+// seam) gets a vertex at the same place, splitting the boundary triangle it falls on. Both
+// sides then hold the same points along the edge, bit for bit.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "io/CadFaceData.h"
+#include "io/ModelMesher.h"
+#include "io/QuadFaceMesher.h"
+
+namespace orvane::io {
+
+// Two boundary points of an edge closer than this, in units of the edge's polyline segments,
+// become one (and one that close to a shared point becomes that point): the split triangles
+// then have no slivers narrower than this share of their side.
+inline constexpr double kEdgeMergeShare = 0.05;
+
+// Stitches the drafts of the faces Faces[i] (Drafts[i]) against each other.
+void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts);
+
+// The positions every face shares: one index per distinct point, bit for bit.
+class PointWelder {
+public:
+    int Of(const TPoint3D& P);
+    std::vector<TPoint3D> Take() { return std::move(FPoints); }
+
+private:
+    struct Key {
+        std::uint64_t X, Y, Z;
+        bool operator==(const Key&) const = default;
+    };
+    struct KeyHash {
+        std::size_t operator()(const Key& k) const noexcept;
+    };
+    std::unordered_map<Key, int, KeyHash> FIndex;
+    std::vector<TPoint3D> FPoints;
+};
+
+// The face's mesh from its stitched draft: triangles of no area dropped, points welded.
+FaceMesh FaceMeshOf(const FaceData& F, const FaceDraft& Draft, PointWelder& Points);
+
+// The flat arrays Tri and Norm of a mesh's indexed form.
+void FillFlatArrays(const std::vector<TPoint3D>& Points, FaceMesh& Mesh);
+
+}  // namespace orvane::io
