@@ -1,6 +1,7 @@
 // Collects what the application object shows for the length of a test.
 #pragma once
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,17 @@ private:
     std::vector<ShownMessage> FMessages;
     TMessageSink FPrevious;
 };
+
+// The text of the E that action raises; "(nothing raised)" when it returns.
+template <typename E = std::exception, typename F>
+std::string Raised(F action)
+{
+    try {
+        action();
+    } catch (const E& e) {
+        return e.what();
+    }
+    return "(nothing raised)";
+}
 
 }  // namespace orvane::testing
