@@ -21,6 +21,10 @@ std::vector<std::string> gSequence;
 template <char Unit>
 void StartFake()
 {
+    if (Unit == 'X') {
+        gSequence.push_back("start X");
+        throw std::runtime_error("start-up failed");
+    }
     gSequence.push_back(std::string("start ") + Unit);
 }
 template <char Unit>
@@ -28,22 +32,15 @@ void StopFake()
 {
     gSequence.push_back(std::string("stop ") + Unit);
 }
-void FailingStart()
-{
-    gSequence.push_back("start X");
-    throw std::runtime_error("start-up failed");
-}
 
-TEST(PackageTest, UnitsStartInDependencyOrder)
+TEST(PackageTest, UnitsStartInOrderStopInReverseAndAFailedStartUndoesWhatRan)
 {
     std::vector<std::string> names;
     for (const TPackageUnit& unit : PackageUnits()) names.push_back(unit.Name);
     EXPECT_THAT(names, ElementsAre("dglOpenGL", "uGLHandleObj", "zqglUtils", "GL", "GLMatrix", "GLTriangles", "GLu",
                                    "TextureLoadUnit", "UDrawViewUnitTool", "uTriangulate", "uTessQuadsTriangulator"));
-}
 
-TEST(PackageTest, ShutDownRunsInReverseAndSkipsUnitsWithoutWork)
-{
+    // Units without work are skipped.
     const TPackageUnit units[] = {{"A", StartFake<'A'>, StopFake<'A'>},
                                   {"B", nullptr, nullptr},
                                   {"C", StartFake<'C'>, nullptr},
@@ -52,15 +49,12 @@ TEST(PackageTest, ShutDownRunsInReverseAndSkipsUnitsWithoutWork)
     StartUnits(units);
     StopUnits(units);
     EXPECT_THAT(gSequence, ElementsAre("start A", "start C", "start D", "stop D", "stop A"));
-}
 
-TEST(PackageTest, FailedStartUpStopsWhatWasStartedAndRaises)
-{
-    const TPackageUnit units[] = {{"A", StartFake<'A'>, StopFake<'A'>},
-                                  {"X", FailingStart, StopFake<'X'>},
-                                  {"D", StartFake<'D'>, StopFake<'D'>}};
+    const TPackageUnit failing[] = {{"A", StartFake<'A'>, StopFake<'A'>},
+                                    {"X", StartFake<'X'>, StopFake<'X'>},
+                                    {"D", StartFake<'D'>, StopFake<'D'>}};
     gSequence.clear();
-    EXPECT_THROW(StartUnits(units), std::runtime_error);
+    EXPECT_THROW(StartUnits(failing), std::runtime_error);
     EXPECT_THAT(gSequence, ElementsAre("start A", "start X", "stop A"));
 }
 
