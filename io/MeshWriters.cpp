@@ -1,37 +1,28 @@
 #include "io/MeshWriters.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
+#include <functional>
 #include <fstream>
+#include <limits>
+#include <sstream>
 #include <stdexcept>
 
 #include <tiny_gltf.h>
 
 #include "io/AtomicFile.h"
-#include "mesh_drawing/CollectedTri.h"
 
 namespace orvane::io {
 namespace {
 
-struct Vec {
-    float X, Y, Z;
-};
+using Triangle = std::array<int, 3>;
 
-Vec At(const TDynGLFloat& a, std::int32_t i)
+TPoint3D Corner(const WeldedMesh& mesh, const WeldedBody& body, int v)
 {
-    const auto k = static_cast<std::size_t>(i) * 3;
-    return {a[k], a[k + 1], a[k + 2]};
-}
-
-Vec FacetNormal(const Vec& a, const Vec& b, const Vec& c)
-{
-    const double ux = b.X - a.X, uy = b.Y - a.Y, uz = b.Z - a.Z;
-    const double vx = c.X - a.X, vy = c.Y - a.Y, vz = c.Z - a.Z;
-    const double nx = uy * vz - uz * vy, ny = uz * vx - ux * vz, nz = ux * vy - uy * vx;
-    const double len = std::sqrt(nx * nx + ny * ny + nz * nz);
-    if (!(len > 0.0)) return {0, 0, 0};
-    return {static_cast<float>(nx / len), static_cast<float>(ny / len), static_cast<float>(nz / len)};
+    return mesh.Points[static_cast<std::size_t>(body.Points[static_cast<std::size_t>(v)])];
 }
 
 void Put(std::string& out, const void* data, std::size_t size)
@@ -39,15 +30,26 @@ void Put(std::string& out, const void* data, std::size_t size)
     out.append(static_cast<const char*>(data), size);
 }
 
-void WriteBytes(const std::string& path, const std::string& bytes)
+void PutPoint(std::string& out, const TPoint3D& p)
 {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) throw std::runtime_error("cannot write " + path);
+    const float xyz[3] = {static_cast<float>(p.X), static_cast<float>(p.Y), static_cast<float>(p.Z)};
+    Put(out, xyz, sizeof xyz);
 }
 
-// Appends the bytes of a float or index array to the buffer as a view of its own.
+// Streams into the temporary file and checks that everything reached it.
+void WriteFile(const std::string& path, const std::function<void(std::ostream&)>& fill)
+{
+    WriteFileAtomically(path, [&](const std::string& temp) {
+        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+        fill(out);
+        out.close();
+        if (!out) throw std::runtime_error("cannot write " + temp);
+    });
+}
+
+// --- glTF ------------------------------------------------------------------------------
+
+// Appends the bytes to the one buffer as a view of their own.
 int AddView(tinygltf::Model& model, const void* data, std::size_t size, int target)
 {
     std::vector<unsigned char>& buffer = model.buffers[0].data;
@@ -62,58 +64,79 @@ int AddView(tinygltf::Model& model, const void* data, std::size_t size, int targ
     return static_cast<int>(model.bufferViews.size()) - 1;
 }
 
-int AddVec3Accessor(tinygltf::Model& model, const TDynGLFloat& values, bool withBounds)
+int AddAccessor(tinygltf::Model& model, tinygltf::Accessor a)
 {
-    tinygltf::Accessor a;
-    a.bufferView = AddView(model, values.data(), values.size() * sizeof(float), TINYGLTF_TARGET_ARRAY_BUFFER);
-    a.componentType = TINYGLTF_COMPONENT_TYPE_FLOAT;
-    a.type = TINYGLTF_TYPE_VEC3;
-    a.count = values.size() / 3;
-    if (withBounds && a.count > 0) {
-        a.minValues = {values[0], values[1], values[2]};
-        a.maxValues = a.minValues;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            a.minValues[i % 3] = std::min(a.minValues[i % 3], static_cast<double>(values[i]));
-            a.maxValues[i % 3] = std::max(a.maxValues[i % 3], static_cast<double>(values[i]));
-        }
-    }
-    model.accessors.push_back(a);
+    model.accessors.push_back(std::move(a));
     return static_cast<int>(model.accessors.size()) - 1;
 }
 
-int AddIndexAccessor(tinygltf::Model& model, const TDynGLinteger& indices, const IndexedMesh::Part& part)
+// Positions need their bounds in glTF; normals do not.
+int AddVec3Accessor(tinygltf::Model& model, const std::vector<TPoint3D>& values, bool withBounds)
 {
+    std::vector<float> floats;
+    floats.reserve(3 * values.size());
+    for (const TPoint3D& p : values) floats.insert(floats.end(), {float(p.X), float(p.Y), float(p.Z)});
     tinygltf::Accessor a;
-    a.bufferView = AddView(model, indices.data() + part.FirstIndex, part.IndexCount * sizeof(std::uint32_t),
+    a.bufferView = AddView(model, floats.data(), floats.size() * sizeof(float), TINYGLTF_TARGET_ARRAY_BUFFER);
+    a.componentType = TINYGLTF_COMPONENT_TYPE_FLOAT;
+    a.type = TINYGLTF_TYPE_VEC3;
+    a.count = values.size();
+    if (withBounds && !floats.empty()) {
+        a.minValues = {floats[0], floats[1], floats[2]};
+        a.maxValues = a.minValues;
+        for (std::size_t i = 0; i < floats.size(); ++i) {
+            a.minValues[i % 3] = std::min(a.minValues[i % 3], double{floats[i]});
+            a.maxValues[i % 3] = std::max(a.maxValues[i % 3], double{floats[i]});
+        }
+    }
+    return AddAccessor(model, std::move(a));
+}
+
+int AddIndexAccessor(tinygltf::Model& model, const std::vector<Triangle>& triangles)
+{
+    std::vector<std::uint32_t> indices;
+    indices.reserve(3 * triangles.size());
+    for (const Triangle& t : triangles)
+        for (const int v : t) indices.push_back(static_cast<std::uint32_t>(v));
+    tinygltf::Accessor a;
+    a.bufferView = AddView(model, indices.data(), indices.size() * sizeof(std::uint32_t),
                            TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER);
     a.componentType = TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT;
     a.type = TINYGLTF_TYPE_SCALAR;
-    a.count = part.IndexCount;
-    model.accessors.push_back(a);
-    return static_cast<int>(model.accessors.size()) - 1;
+    a.count = indices.size();
+    return AddAccessor(model, std::move(a));
 }
 
-tinygltf::Model GltfModel(const IndexedMesh& mesh)
+tinygltf::Mesh GltfMesh(tinygltf::Model& model, const WeldedMesh& mesh, const WeldedBody& body)
+{
+    std::vector<TPoint3D> positions;
+    positions.reserve(body.Points.size());
+    for (std::size_t v = 0; v < body.Points.size(); ++v) positions.push_back(Corner(mesh, body, static_cast<int>(v)));
+    const int position = AddVec3Accessor(model, positions, true);
+    const int normal = AddVec3Accessor(model, body.Normals, false);
+    tinygltf::Mesh m;
+    m.name = body.Name;
+    for (const WeldedFace& f : body.Faces) {
+        tinygltf::Primitive& primitive = m.primitives.emplace_back();
+        primitive.attributes = {{"POSITION", position}, {"NORMAL", normal}};
+        primitive.indices = AddIndexAccessor(model, f.Triangles);
+        primitive.mode = TINYGLTF_MODE_TRIANGLES;
+        primitive.extras = tinygltf::Value(tinygltf::Value::Object{{"name", tinygltf::Value(f.Name)}});
+    }
+    return m;
+}
+
+tinygltf::Model GltfModel(const WeldedMesh& mesh)
 {
     tinygltf::Model model;
     model.asset.version = "2.0";
     model.asset.generator = "orvane";
     model.buffers.resize(1);
-    const int positions = AddVec3Accessor(model, mesh.Vertices, true);
-    const int normals = AddVec3Accessor(model, mesh.Normals, false);
     tinygltf::Scene scene;
-    for (const IndexedMesh::Part& part : mesh.Parts) {
-        tinygltf::Primitive primitive;
-        primitive.attributes = {{"POSITION", positions}, {"NORMAL", normals}};
-        primitive.indices = AddIndexAccessor(model, mesh.Indices, part);
-        primitive.mode = TINYGLTF_MODE_TRIANGLES;
-        primitive.extras = tinygltf::Value(tinygltf::Value::Object{{"name", tinygltf::Value(part.Name)}});
-        tinygltf::Mesh m;
-        m.name = part.Name;
-        m.primitives.push_back(primitive);
-        model.meshes.push_back(m);
+    for (const WeldedBody& body : mesh.Bodies) {
+        model.meshes.push_back(GltfMesh(model, mesh, body));
         tinygltf::Node node;
-        node.name = part.Name;
+        node.name = body.Name;
         node.mesh = static_cast<int>(model.meshes.size()) - 1;
         model.nodes.push_back(node);
         scene.nodes.push_back(static_cast<int>(model.nodes.size()) - 1);
@@ -123,51 +146,137 @@ tinygltf::Model GltfModel(const IndexedMesh& mesh)
     return model;
 }
 
-}  // namespace
+// --- OBJ -------------------------------------------------------------------------------
 
-IndexedMesh MergeFaces(const ModelMesh& Mesh)
+std::string ObjName(std::string name)
 {
-    TFloatDynArray tri, norm;
-    JoinFaces(Mesh, tri, norm);
-    TCollectedTri collected(true);
-    collected.LoadOuter(std::move(tri), std::move(norm));
-    IndexedMesh indexed{collected.TriOut(), collected.NormOut(), collected.IndexOut(), {}};
-    std::size_t first = 0;
-    for (const FaceMesh& f : Mesh.Faces) {
-        indexed.Parts.push_back({f.Name, first, f.Tri.size() / 3});
-        first += f.Tri.size() / 3;
-    }
-    return indexed;
+    for (char& c : name)
+        if (std::isspace(static_cast<unsigned char>(c))) c = '_';
+    return name;
 }
 
-void WriteStl(const std::string& Path, const IndexedMesh& Mesh)
+void PutTriple(std::ostream& out, const char* tag, const TPoint3D& p)
 {
-    const auto count = static_cast<std::uint32_t>(Mesh.Indices.size() / 3);
+    char line[96];
+    std::snprintf(line, sizeof line, "%s %.17g %.17g %.17g\n", tag, p.X, p.Y, p.Z);
+    out << line;
+}
+
+// OBJ numbers: the used points from 1 in the model's order, the normals body after body.
+struct ObjNumbers {
+    std::vector<long long> Point;            // by model point; 0: not written
+    std::vector<long long> FirstNormal;      // by body
+};
+
+ObjNumbers WritePointsAndNormals(std::ostream& out, const WeldedMesh& mesh)
+{
+    ObjNumbers numbers{std::vector<long long>(mesh.Points.size(), 0), {}};
+    for (const WeldedBody& body : mesh.Bodies)
+        for (const int p : body.Points) numbers.Point[static_cast<std::size_t>(p)] = 1;
+    long long next = 0;
+    for (std::size_t p = 0; p < mesh.Points.size(); ++p)
+        if (numbers.Point[p] != 0) {
+            numbers.Point[p] = ++next;
+            PutTriple(out, "v", mesh.Points[p]);
+        }
+    next = 0;
+    for (const WeldedBody& body : mesh.Bodies) {
+        numbers.FirstNormal.push_back(next + 1);
+        for (const TPoint3D& n : body.Normals) PutTriple(out, "vn", n);
+        next += static_cast<long long>(body.Normals.size());
+    }
+    return numbers;
+}
+
+// One `f` line of the vertices, a corner that repeats the point before it left out; nothing
+// when fewer than three corners remain.
+void PutFace(std::ostream& out, const WeldedBody& body, const ObjNumbers& numbers, long long firstNormal,
+             std::initializer_list<int> vertices)
+{
+    std::vector<int> corners;
+    for (const int v : vertices)
+        if (corners.empty() || body.Points[static_cast<std::size_t>(v)] != body.Points[static_cast<std::size_t>(corners.back())])
+            corners.push_back(v);
+    while (corners.size() > 1 && body.Points[static_cast<std::size_t>(corners.back())] == body.Points[static_cast<std::size_t>(corners[0])])
+        corners.pop_back();
+    if (corners.size() < 3) return;
+    out << 'f';
+    for (const int v : corners)
+        out << ' ' << numbers.Point[static_cast<std::size_t>(body.Points[static_cast<std::size_t>(v)])] << "//"
+            << firstNormal + v;
+    out << '\n';
+}
+
+// The face's triangles; with quads, each pair (a, b, c), (a, c, d) that QuadStarts names as
+// the quad (a, b, c, d).
+void PutFaces(std::ostream& out, const WeldedBody& body, const WeldedFace& f, const ObjNumbers& numbers,
+              long long firstNormal, bool quads)
+{
+    const std::vector<Triangle>& t = f.Triangles;
+    std::size_t q = 0;
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        while (quads && q < f.QuadStarts.size() && f.QuadStarts[q] < static_cast<int>(i)) ++q;
+        const bool quad = quads && q < f.QuadStarts.size() && f.QuadStarts[q] == static_cast<int>(i) &&
+                          i + 1 < t.size() && t[i + 1][0] == t[i][0] && t[i + 1][1] == t[i][2];
+        if (quad) {
+            PutFace(out, body, numbers, firstNormal, {t[i][0], t[i][1], t[i][2], t[i + 1][2]});
+            ++i;
+        } else {
+            PutFace(out, body, numbers, firstNormal, {t[i][0], t[i][1], t[i][2]});
+        }
+    }
+}
+
+}  // namespace
+
+void WriteStl(const std::string& Path, const WeldedMesh& Mesh)
+{
+    std::size_t total = 0;
+    for (const WeldedBody& body : Mesh.Bodies)
+        for (const WeldedFace& f : body.Faces) total += f.Triangles.size();
+    if (total > std::numeric_limits<std::uint32_t>::max())
+        throw std::runtime_error("cannot write " + Path + ": more triangles than binary STL can count");
+    const auto count = static_cast<std::uint32_t>(total);
     std::string bytes(80, ' ');
     const char header[] = "binary STL written by orvane";
     std::memcpy(bytes.data(), header, sizeof header - 1);
     Put(bytes, &count, sizeof count);
     bytes.reserve(bytes.size() + std::size_t{50} * count);
-    for (std::uint32_t t = 0; t < count; ++t) {
-        const Vec a = At(Mesh.Vertices, Mesh.Indices[3 * t]), b = At(Mesh.Vertices, Mesh.Indices[3 * t + 1]),
-                  c = At(Mesh.Vertices, Mesh.Indices[3 * t + 2]);
-        const Vec facet[4] = {FacetNormal(a, b, c), a, b, c};
-        Put(bytes, facet, sizeof facet);
-        const std::uint16_t attributes = 0;
-        Put(bytes, &attributes, sizeof attributes);
-    }
-    WriteFileAtomically(Path, [&](const std::string& temp) { WriteBytes(temp, bytes); });
+    const std::uint16_t attributes = 0;
+    for (const WeldedBody& body : Mesh.Bodies)
+        for (const WeldedFace& f : body.Faces)
+            for (const Triangle& t : f.Triangles) {
+                const TPoint3D a = Corner(Mesh, body, t[0]), b = Corner(Mesh, body, t[1]), c = Corner(Mesh, body, t[2]);
+                PutPoint(bytes, (b - a).CrossMul(c - a).Normal());
+                for (const TPoint3D& p : {a, b, c}) PutPoint(bytes, p);
+                Put(bytes, &attributes, sizeof attributes);
+            }
+    WriteFile(Path, [&](std::ostream& out) { out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); });
 }
 
-void WriteGlb(const std::string& Path, const IndexedMesh& Mesh)
+void WriteGlb(const std::string& Path, const WeldedMesh& Mesh)
 {
     const tinygltf::Model model = GltfModel(Mesh);
-    WriteFileAtomically(Path, [&](const std::string& temp) {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+    WriteFile(Path, [&](std::ostream& out) {
         tinygltf::TinyGLTF writer;
-        if (!writer.WriteGltfSceneToStream(&model, out, false, true)) throw std::runtime_error("cannot write " + temp);
-        out.close();
-        if (!out) throw std::runtime_error("cannot write " + temp);
+        if (!writer.WriteGltfSceneToStream(&model, out, false, true)) out.setstate(std::ios::failbit);
+    });
+}
+
+void WriteObj(const std::string& Path, const WeldedMesh& Mesh, const ObjOptions& Options)
+{
+    WriteFile(Path, [&](std::ostream& out) {
+        std::istringstream comment(Options.Comment);
+        for (std::string line; std::getline(comment, line);) out << "# " << line << '\n';
+        const ObjNumbers numbers = WritePointsAndNormals(out, Mesh);
+        for (std::size_t b = 0; b < Mesh.Bodies.size(); ++b) {
+            const WeldedBody& body = Mesh.Bodies[b];
+            out << "o " << ObjName(body.Name) << '\n';
+            for (const WeldedFace& f : body.Faces) {
+                out << "g " << ObjName(f.Name) << '\n';
+                PutFaces(out, body, f, numbers, numbers.FirstNormal[b], Options.Quads);
+            }
+        }
     });
 }
 

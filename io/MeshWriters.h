@@ -1,39 +1,34 @@
-// The mesh files `orvane mesh` writes besides OBJ: binary STL and binary glTF 2.0.
+// The mesh files `orvane mesh` writes: OBJ, binary STL and binary glTF 2.0, all from the
+// welded mesh (io/MeshWelding.h). Each raises std::runtime_error "cannot write <Path>: ..."
+// when the file cannot be written, and leaves no file behind then.
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "immediate/zqglTypes.h"
-#include "io/ModelMesher.h"
+#include "io/MeshWelding.h"
 
 namespace orvane::io {
 
-// A model's mesh after its faces were joined and equal vertices merged: each vertex once, the
-// triangles as an index list in the faces' order, and where each face's triangles lie in it.
-struct IndexedMesh {
-    TDynGLFloat Vertices;  // x, y, z
-    TDynGLFloat Normals;   // x, y, z, out of the material
-    TDynGLinteger Indices; // three a triangle, counter-clockwise seen from outside
-    struct Part {
-        std::string Name;
-        std::size_t FirstIndex = 0;
-        std::size_t IndexCount = 0;
-    };
-    std::vector<Part> Parts;
+// Binary STL: an 80-byte header naming the writer, the triangle count, then per triangle its
+// normal (from the winding, so that it points out) and its three corners, as floats. Shared
+// points round to the same floats, so a closed solid stays closed.
+void WriteStl(const std::string& Path, const WeldedMesh& Mesh);
+
+// Binary glTF 2.0 (.glb): one mesh and one node per body, named as the body; the body's
+// vertices one position and one normal accessor that all its faces' primitives share; each
+// face a primitive of triangles with its own index accessor and its name in extras.name.
+void WriteGlb(const std::string& Path, const WeldedMesh& Mesh);
+
+struct ObjOptions {
+    std::string Comment;  // written first, as comment lines
+    bool Quads = false;   // each quad of the quad road as one 4-vertex face
 };
 
-// Joins the faces' arrays and merges equal vertices through a collected mesh in EBO mode (one
-// load: a load replaces the one before); each face becomes a part named as the face.
-IndexedMesh MergeFaces(const ModelMesh& Mesh);
-
-// Binary STL: an 80-byte header naming the writer, the triangle count, then per triangle
-// its normal (from the winding, so that it points out) and its three corners, as floats.
-// Raises std::runtime_error "cannot write <Path>: ..." when the file cannot be written.
-void WriteStl(const std::string& Path, const IndexedMesh& Mesh);
-
-// Binary glTF 2.0 (.glb): one vertex and one normal buffer shared by all parts, each part a
-// named primitive of triangles with its own index accessor, all in one mesh of one node.
-void WriteGlb(const std::string& Path, const IndexedMesh& Mesh);
+// Wavefront OBJ: the model's points used as `v` lines in full double precision (%.17g reads
+// back bit for bit), the vertices' normals as `vn` lines, then per body `o` and per face `g`
+// (names with blanks turned into '_', as OBJ splits names at blanks), its faces `f v//vn`.
+// A face whose corners repeat a point (at a pole) loses the repeat, and is left out when fewer
+// than three corners remain.
+void WriteObj(const std::string& Path, const WeldedMesh& Mesh, const ObjOptions& Options);
 
 }  // namespace orvane::io
