@@ -1,5 +1,5 @@
-// The GLU functions that the GLU library has, for comparing the hand-written function types
-// with the library's own header.
+// The GLU functions of the GLU library, for comparing the hand-written function types with the
+// library's own header.
 #pragma once
 
 #include <map>
@@ -21,7 +21,8 @@
 
 namespace orvane::testing {
 
-// Name to the mangled type of the function pointer, as the library's header declares it.
+// Name to the mangled type of the function pointer, as the library's header declares it; made
+// in a file of its own, the only one of these tests that sees the system's GLU header.
 std::map<std::string, std::string> GluHeaderTypes();
 
 }  // namespace orvane::testing
