@@ -10,14 +10,12 @@ namespace orvane {
 namespace {
 
 namespace gl = dglOpenGL;
+using Flags = std::vector<bool>;  // culling, lighting, line stipple
 
 constexpr int kSize = 64;
 
-// The centre of pixel (x, y) in normalised device coordinates, for the identity matrices.
-double Ndc(int APixel)
-{
-    return (APixel + 0.5) / (kSize / 2.0) - 1.0;
-}
+// The centre of a pixel in normalised device coordinates, for the identity matrices.
+double Ndc(int APixel) { return (APixel + 0.5) / (kSize / 2.0) - 1.0; }
 
 TViewUnit Unit(Cardinal AMode, std::initializer_list<TPoint3D> APoints, bool AWithNormals)
 {
@@ -31,7 +29,7 @@ TViewUnit Unit(Cardinal AMode, std::initializer_list<TPoint3D> APoints, bool AWi
     return unit;
 }
 
-// A horizontal line through the centres of row APixelRow, from column 8 to column 56.
+// A horizontal line through the centres of row APixelRow, from column 8 to column 56; no normals.
 TViewUnit LineUnit(Cardinal AMode, int APixelRow)
 {
     return Unit(AMode, {{Ndc(8), Ndc(APixelRow), 0}, {Ndc(56), Ndc(APixelRow), 0}}, false);
@@ -45,7 +43,7 @@ TViewUnit BackFacingTriangle()
 
 class DrawViewUnit : public ::testing::Test {
 protected:
-    DrawViewUnit() : FGL(kSize, kSize)
+    DrawViewUnit()
     {
         gl::glClearColor(0, 0, 0, 1);
         gl::glClear(gl::GL_COLOR_BUFFER_BIT);
@@ -55,127 +53,92 @@ protected:
         gl::glLineStipple(1, 0x0000);
     }
 
-    static void Set(gl::GLenum ACapability, bool AEnabled)
+    static void Set(const Flags& AState)
     {
-        (AEnabled ? gl::glEnable : gl::glDisable)(ACapability);
+        const gl::GLenum caps[] = {gl::GL_CULL_FACE, gl::GL_LIGHTING, gl::GL_LINE_STIPPLE};
+        for (int i = 0; i < 3; ++i) (AState[i] ? gl::glEnable : gl::glDisable)(caps[i]);
     }
-    static bool Enabled(gl::GLenum ACapability) { return gl::glIsEnabled(ACapability) == gl::GL_TRUE; }
-    // Drawn in the current colour (lighting off) rather than black.
-    bool Green(int x, int y) const
+    static Flags State()
     {
-        const auto pixel = FGL.Pixel(x, y);
-        return pixel[0] == 0 && pixel[1] == 255 && pixel[2] == 0;
+        return {gl::glIsEnabled(gl::GL_CULL_FACE) == gl::GL_TRUE, gl::glIsEnabled(gl::GL_LIGHTING) == gl::GL_TRUE,
+                gl::glIsEnabled(gl::GL_LINE_STIPPLE) == gl::GL_TRUE};
     }
-    bool Black(int x, int y) const
+    static float PointSize()
     {
-        const auto pixel = FGL.Pixel(x, y);
-        return pixel[0] == 0 && pixel[1] == 0 && pixel[2] == 0;
+        gl::GLfloat size = 0;
+        gl::glGetFloatv(gl::GL_POINT_SIZE, &size);
+        return size;
     }
-    // Lit with no light on: the faint ambient grey, neither black nor the current colour.
-    bool Lit(int x, int y) const
+    // 'g': the current colour, drawn unlit; 'k': black, nothing drawn; 'l': lit with no light
+    // on, the faint ambient grey; '?': anything else.
+    char Seen(int x, int y) const
     {
-        const auto pixel = FGL.Pixel(x, y);
-        return pixel[0] > 0 && pixel[0] < 40 && pixel[0] == pixel[1];
+        const auto p = FGL.Pixel(x, y);
+        if (p[0] == 0 && p[1] == 255 && p[2] == 0) return 'g';
+        if (p[0] == 0 && p[1] == 0 && p[2] == 0) return 'k';
+        return p[0] > 0 && p[0] < 40 && p[0] == p[1] ? 'l' : '?';
     }
 
-    testing::OffscreenGL FGL;
+    testing::OffscreenGL FGL{kSize, kSize};
 };
 
-TEST_F(DrawViewUnit, TwoDimensionalUnitIsItsPrimitiveAndItsPointsOfSizeThree)
+TEST_F(DrawViewUnit, TwoDimensionalUnitIsItsPrimitiveAndItsPointsOfSizeThreeAndTouchesNoState)
 {
-    Set(gl::GL_CULL_FACE, true);
-    Set(gl::GL_LIGHTING, false);
-    Set(gl::GL_LINE_STIPPLE, false);
+    Set({true, false, false});
+    TDrawViewUnitTool::Draw3D(TViewUnitList());  // empty lists make no call
+    TDrawViewUnitTool::Draw2D(TViewUnitList());
+    EXPECT_EQ(PointSize(), 1.0f);
     TViewUnitList units;
     units.Add(LineUnit(gl::GL_LINES, 20));
     units.Add(LineUnit(gl::GL_LINE_STRIP, 44));
     TDrawViewUnitTool::Draw2D(units);
-
     for (int row : {20, 44}) {
-        EXPECT_TRUE(Green(30, row)) << "the line itself, row " << row;
-        EXPECT_TRUE(Black(30, row + 1)) << "one pixel wide, row " << row;
+        EXPECT_EQ(Seen(30, row), 'g') << "the line itself, row " << row;
+        EXPECT_EQ(Seen(30, row + 1), 'k') << "one pixel wide, row " << row;
         // The end points again, as 3 by 3 points: they reach beyond the line's width and end.
-        EXPECT_TRUE(Green(57, row + 1)) << row;
-        EXPECT_TRUE(Green(7, row - 1)) << row;
-        EXPECT_TRUE(Black(58, row + 2)) << row;
+        EXPECT_EQ(Seen(57, row + 1), 'g') << row;
+        EXPECT_EQ(Seen(7, row - 1), 'g') << row;
+        EXPECT_EQ(Seen(58, row + 2), 'k') << row;
     }
-    gl::GLfloat pointSize = 0;
-    gl::glGetFloatv(gl::GL_POINT_SIZE, &pointSize);
-    EXPECT_EQ(pointSize, 3.0f);
-    EXPECT_TRUE(Enabled(gl::GL_CULL_FACE));
-    EXPECT_FALSE(Enabled(gl::GL_LIGHTING));
-    EXPECT_FALSE(Enabled(gl::GL_LINE_STIPPLE));
+    EXPECT_EQ(PointSize(), 3.0f);
+    EXPECT_EQ(State(), (Flags{true, false, false}));
 
-    // The 2D road touches no state: stipple and lighting stay on, and the line is hidden.
+    // Stipple and lighting stay on, and the line is hidden.
     gl::glClear(gl::GL_COLOR_BUFFER_BIT);
-    Set(gl::GL_LINE_STIPPLE, true);
-    Set(gl::GL_LIGHTING, true);
+    Set({true, true, true});
     TDrawViewUnitTool::Draw2D(LineUnit(gl::GL_LINES, 20));
-    EXPECT_TRUE(Black(30, 20));
-    EXPECT_TRUE(Enabled(gl::GL_LINE_STIPPLE));
-    EXPECT_TRUE(Enabled(gl::GL_LIGHTING));
-    EXPECT_TRUE(Enabled(gl::GL_CULL_FACE));
+    EXPECT_EQ(Seen(30, 20), 'k');
+    EXPECT_EQ(State(), (Flags{true, true, true}));
 }
 
-TEST_F(DrawViewUnit, EmptyListsMakeNoCall)
+TEST_F(DrawViewUnit, SurfaceIsDrawnWithCullingOffLineWithoutStippleAndLightingWhichComeOnAfterwards)
 {
-    Set(gl::GL_CULL_FACE, true);
-    TDrawViewUnitTool::Draw3D(TViewUnitList());
-    TDrawViewUnitTool::Draw2D(TViewUnitList());
-    EXPECT_TRUE(Enabled(gl::GL_CULL_FACE));
-    gl::GLfloat pointSize = 0;
-    gl::glGetFloatv(gl::GL_POINT_SIZE, &pointSize);
-    EXPECT_EQ(pointSize, 1.0f);
-}
-
-TEST_F(DrawViewUnit, SurfaceUnitIsDrawnWithCullingOffAndLeavesStippleAndLighting)
-{
-    Set(gl::GL_CULL_FACE, true);
-    Set(gl::GL_LIGHTING, false);
-    Set(gl::GL_LINE_STIPPLE, true);
+    Set({true, false, true});
     TDrawViewUnitTool::Draw3D(BackFacingTriangle());
-    EXPECT_TRUE(Green(32, 32)) << "a back face shows: culling was off";
-    EXPECT_TRUE(Black(2, 2));
-    EXPECT_FALSE(Enabled(gl::GL_CULL_FACE));
-    EXPECT_FALSE(Enabled(gl::GL_LIGHTING));
-    EXPECT_TRUE(Enabled(gl::GL_LINE_STIPPLE));
-}
+    EXPECT_EQ(Seen(32, 32), 'g') << "a back face shows: culling was off";
+    EXPECT_EQ(Seen(2, 2), 'k');
+    EXPECT_EQ(State(), (Flags{false, false, true}));
 
-TEST_F(DrawViewUnit, LineUnitIsDrawnWithoutStippleAndLightingWhichAreOnAfterwards)
-{
-    Set(gl::GL_LIGHTING, true);
-    Set(gl::GL_LINE_STIPPLE, true);
-    const TViewUnit line = LineUnit(gl::GL_LINE_STRIP, 20);  // no normals at all
-    ASSERT_EQ(line.Normals.Count(), 0);
-    TDrawViewUnitTool::Draw3D(line);
-    EXPECT_TRUE(Green(30, 20));
-    EXPECT_TRUE(Enabled(gl::GL_LIGHTING));
-    EXPECT_TRUE(Enabled(gl::GL_LINE_STIPPLE));
-
-    // Both come on afterwards even where they were off before.
-    Set(gl::GL_LIGHTING, false);
-    Set(gl::GL_LINE_STIPPLE, false);
-    TDrawViewUnitTool::Draw3D(LineUnit(gl::GL_LINES, 40));
-    EXPECT_TRUE(Green(30, 40));
-    EXPECT_TRUE(Enabled(gl::GL_LIGHTING));
-    EXPECT_TRUE(Enabled(gl::GL_LINE_STIPPLE));
+    for (const Flags& before : {Flags{false, true, true}, Flags{false, false, false}}) {
+        gl::glClear(gl::GL_COLOR_BUFFER_BIT);
+        Set(before);
+        TDrawViewUnitTool::Draw3D(LineUnit(gl::GL_LINE_STRIP, 20));
+        EXPECT_EQ(Seen(30, 20), 'g');
+        EXPECT_EQ(State(), (Flags{false, true, true}));
+    }
 }
 
 TEST_F(DrawViewUnit, FirstUnitOfAListDecidesTheStateForAll)
 {
     // A surface first: the line after it is drawn lit, as lighting stood, and nothing changes.
-    Set(gl::GL_CULL_FACE, true);
-    Set(gl::GL_LIGHTING, true);
-    Set(gl::GL_LINE_STIPPLE, false);
+    Set({true, true, false});
     TViewUnitList surfaceFirst;
     surfaceFirst.Add(BackFacingTriangle());
     surfaceFirst.Add(LineUnit(gl::GL_LINES, 50));
     TDrawViewUnitTool::Draw3D(surfaceFirst);
-    EXPECT_TRUE(Lit(30, 50));
-    EXPECT_TRUE(Lit(32, 32));
-    EXPECT_FALSE(Enabled(gl::GL_CULL_FACE));
-    EXPECT_TRUE(Enabled(gl::GL_LIGHTING));
-    EXPECT_FALSE(Enabled(gl::GL_LINE_STIPPLE));
+    EXPECT_EQ(Seen(30, 50), 'l');
+    EXPECT_EQ(Seen(32, 32), 'l');
+    EXPECT_EQ(State(), (Flags{false, true, false}));
 
     // A line first: the surface after it is drawn unlit too, and both are on afterwards.
     gl::glClear(gl::GL_COLOR_BUFFER_BIT);
@@ -183,10 +146,9 @@ TEST_F(DrawViewUnit, FirstUnitOfAListDecidesTheStateForAll)
     lineFirst.Add(LineUnit(gl::GL_LINES, 50));
     lineFirst.Add(BackFacingTriangle());
     TDrawViewUnitTool::Draw3D(lineFirst);
-    EXPECT_TRUE(Green(30, 50));
-    EXPECT_TRUE(Green(32, 32));
-    EXPECT_TRUE(Enabled(gl::GL_LIGHTING));
-    EXPECT_TRUE(Enabled(gl::GL_LINE_STIPPLE));
+    EXPECT_EQ(Seen(30, 50), 'g');
+    EXPECT_EQ(Seen(32, 32), 'g');
+    EXPECT_EQ(State(), (Flags{false, true, true}));
 }
 
 }  // namespace

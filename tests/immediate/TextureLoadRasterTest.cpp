@@ -10,41 +10,14 @@
 namespace orvane {
 namespace {
 
-// Pixels of a bottom-first raster addressed top row first, as a person reads them.
-struct TInkMap {
-    const TTextRaster& Raster;
-
-    const std::uint8_t* Pixel(int AColumn, int ARowFromTop) const
-    {
-        const int row = Raster.Height - 1 - ARowFromTop;
-        return Raster.Pixels.data() + (static_cast<std::size_t>(row) * Raster.Width + AColumn) * 4;
-    }
-    bool Ink(int AColumn, int ARowFromTop) const { return Pixel(AColumn, ARowFromTop)[0] < 128; }
-    int InkInRow(int ARowFromTop) const
-    {
-        int n = 0;
-        for (int x = 0; x < Raster.Width; ++x) n += Ink(x, ARowFromTop);
-        return n;
-    }
-    int InkInColumn(int AColumn) const
-    {
-        int n = 0;
-        for (int y = 0; y < Raster.Height; ++y) n += Ink(AColumn, y);
-        return n;
-    }
-};
-
 TEST(TextureLoadRaster, LetterTIsUprightBlackOnWhiteInBgraBottomRowFirst)
 {
     const TTextRaster raster = RenderTextLine("T", "DejaVu Sans", 22);
-    ASSERT_GT(raster.Width, 0);
-    ASSERT_EQ(raster.Pixels.size(), static_cast<std::size_t>(raster.Width) * raster.Height * 4);
+    const int w = raster.Width, h = raster.Height;
+    ASSERT_EQ(raster.Pixels.size(), static_cast<std::size_t>(w) * h * 4);
     // 22 points at 96 dpi are an em of 29.3 pixels; a line is ascent plus descent of the font.
-    EXPECT_GT(raster.Height, 29);
-    EXPECT_LT(raster.Height, 44);
-    EXPECT_GT(raster.Width, 10);
-    EXPECT_LT(raster.Width, 29);
-
+    EXPECT_TRUE(h > 29 && h < 44) << h;
+    EXPECT_TRUE(w > 10 && w < 29) << w;
     int black = 0, white = 0;
     for (std::size_t i = 0; i < raster.Pixels.size(); i += 4) {
         const std::uint8_t* p = &raster.Pixels[i];
@@ -58,48 +31,42 @@ TEST(TextureLoadRaster, LetterTIsUprightBlackOnWhiteInBgraBottomRowFirst)
 
     // Read top row first: the bar of the T lies above the middle, the descent below the
     // baseline is blank, and the stem stands in the middle columns.
-    const TInkMap map{raster};
+    const auto ink = [&](int x, int yFromTop) {
+        return raster.Pixels[(static_cast<std::size_t>(h - 1 - yFromTop) * w + x) * 4] < 128;
+    };
+    const auto inRow = [&](int y) { int n = 0; for (int x = 0; x < w; ++x) n += ink(x, y); return n; };
+    const auto inColumn = [&](int x) { int n = 0; for (int y = 0; y < h; ++y) n += ink(x, y); return n; };
     int barRow = 0;
-    for (int y = 0; y < raster.Height; ++y)
-        if (map.InkInRow(y) > map.InkInRow(barRow)) barRow = y;
-    EXPECT_LT(barRow, raster.Height / 2);
-    EXPECT_GT(map.InkInRow(barRow), raster.Width * 3 / 4);
-    EXPECT_EQ(map.InkInRow(raster.Height - 1), 0);
-    const int middle = raster.Width / 2;
-    EXPECT_GT(map.InkInColumn(middle), map.InkInColumn(1) * 3);
-    int stemTop = raster.Height, stemBottom = -1;
-    for (int y = 0; y < raster.Height; ++y)
-        if (map.Ink(middle, y)) stemTop = std::min(stemTop, y), stemBottom = std::max(stemBottom, y);
+    for (int y = 0; y < h; ++y)
+        if (inRow(y) > inRow(barRow)) barRow = y;
+    EXPECT_LT(barRow, h / 2);
+    EXPECT_GT(inRow(barRow), w * 3 / 4);
+    EXPECT_EQ(inRow(h - 1), 0);
+    EXPECT_GT(inColumn(w / 2), inColumn(1) * 3);
+    int stemTop = h, stemBottom = -1;
+    for (int y = 0; y < h; ++y)
+        if (ink(w / 2, y)) stemTop = std::min(stemTop, y), stemBottom = std::max(stemBottom, y);
     EXPECT_LE(stemTop, barRow);
-    EXPECT_GT(stemBottom - barRow, raster.Height / 3);
+    EXPECT_GT(stemBottom - barRow, h / 3);
 }
 
-TEST(TextureLoadRaster, SizeFollowsTheMeasuredText)
+TEST(TextureLoadRaster, SizeFollowsTheMeasuredTextAndFontsAreFoundByFamilyIgnoringCase)
 {
     const TTextRaster one = RenderTextLine("T", "DejaVu Sans", 22);
     const TTextRaster two = RenderTextLine("TT", "DejaVu Sans", 22);
     EXPECT_EQ(two.Width, 2 * one.Width);
     EXPECT_EQ(two.Height, one.Height);
-    const TTextRaster larger = RenderTextLine("T", "DejaVu Sans", 44);
-    EXPECT_NEAR(larger.Height, 2 * one.Height, 2);
-
+    EXPECT_NEAR(RenderTextLine("T", "DejaVu Sans", 44).Height, 2 * one.Height, 2);
     // Non-ASCII text is read as UTF-8: one glyph, not two.
     EXPECT_EQ(RenderTextLine("\xC3\xA9", "DejaVu Sans", 22).Width, RenderTextLine("e", "DejaVu Sans", 22).Width);
-
     const TTextRaster empty = RenderTextLine("", "DejaVu Sans", 22);
     EXPECT_EQ(empty.Width, 0);
     EXPECT_EQ(empty.Height, one.Height);
     EXPECT_TRUE(empty.Pixels.empty());
-}
 
-TEST(TextureLoadRaster, FontsAreFoundByFamilyNameIgnoringCase)
-{
     const TTextRaster exact = RenderTextLine("Tg", "DejaVu Sans", 20);
-    const TTextRaster lower = RenderTextLine("Tg", "dejavu sans", 20);
-    EXPECT_EQ(lower.Pixels, exact.Pixels);
-    // Another family draws differently.
+    EXPECT_EQ(RenderTextLine("Tg", "dejavu sans", 20).Pixels, exact.Pixels);
     EXPECT_NE(RenderTextLine("Tg", "DejaVu Sans Mono", 20).Pixels, exact.Pixels);
-
     // An empty name and the generic names take the system's choice for the role.
     for (const char* name : {"", "Sans", "sans-serif", "monospace", "Serif"})
         EXPECT_FALSE(FindFontFile(name, 20).Path.empty()) << '"' << name << '"';
