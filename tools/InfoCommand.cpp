@@ -1,10 +1,16 @@
 // orvane info FILE: what an IGES or STEP file holds: its faces, the kind of each surface and
-// its NURBS form, whether it is trimmed, and the model's box, area and volume.
+// its NURBS form, whether it is trimmed, the model's box, area and volume, and whether the
+// mesh at the default tolerance closes round each solid and encloses its volume.
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "io/KernelFace.h"
+#include "io/ProgressBar.h"
+#include "io/SolidChecks.h"
 #include "tools/CadFileTools.h"
 #include "tools/Commands.h"
 
@@ -32,6 +38,42 @@ void PrintFace(const io::FaceData& f)
                 f.Reversed ? ", reversed" : "");
 }
 
+std::string Count(std::size_t n, const std::string& what)
+{
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
+void PrintSolid(const io::SolidCheck& c)
+{
+    std::string state = c.FreeEdges.empty() ? (c.Closed() ? "closed" : "not manifold")
+                                            : "open, " + Count(c.FreeEdges.size(), "free edge");
+    if (c.NonManifoldEdges > 0) state += ", " + Count(c.NonManifoldEdges, "non-manifold edge");
+    std::printf("  solid %d: %s, %s, volume %g", c.Solid + 1, state.c_str(), Count(c.Triangles, "triangle").c_str(),
+                c.Volume);
+    if (c.ExactVolume != 0.0)
+        std::printf(" against %g exact (%+.3g%%)", c.ExactVolume, 100.0 * (c.Volume - c.ExactVolume) / std::abs(c.ExactVolume));
+    std::printf("\n");
+}
+
+// The quad road at the default tolerance, checked solid by solid.
+void PrintSolids(const std::string& path, const io::CadModelData& model)
+{
+    const int solids = std::max(model.SolidCount, static_cast<int>(model.Solids.size()));
+    if (solids == 0) return;
+    io::ProgressBar bar("meshing " + std::filesystem::path(path).filename().string());
+    const io::ModelMesh mesh = io::MeshModel(model, {}, [&](int done, int total) { bar.Update(done, total); });
+    bar.Finish();
+    const std::vector<io::SolidCheck> checks = io::CheckSolids(mesh);
+    std::printf("solids, meshed at tolerance %.4g:\n", mesh.Tolerance);
+    std::size_t next = 0;
+    for (int s = 0; s < solids; ++s) {
+        if (next < checks.size() && checks[next].Solid == s)
+            PrintSolid(checks[next++]);
+        else
+            std::printf("  solid %d: no face meshed\n", s + 1);
+    }
+}
+
 void Run(const TInfoOptions& options)
 {
     const io::CadModelData model = ReadCadFile(options.File, options.TimeLimit);
@@ -46,6 +88,7 @@ void Run(const TInfoOptions& options)
     std::printf("\nfaces:\n");
     for (const io::FaceData& f : model.Faces) PrintFace(f);
     for (const io::SkippedFace& s : model.Skipped) std::printf("  %s: skipped: %s\n", s.Name.c_str(), s.Reason.c_str());
+    PrintSolids(options.File, model);
 }
 
 }  // namespace
@@ -54,7 +97,7 @@ void AddInfoCommand(CLI::App& app)
 {
     auto options = std::make_shared<TInfoOptions>();
     CLI::App* info = app.add_subcommand("info", "Tell what an IGES or STEP file holds: faces, surface kinds, "
-                                                "degrees, trimming, bounding box");
+                                                "degrees, trimming, bounding box, and whether its mesh closes round each solid");
     info->add_option("file", options->File, "The IGES or STEP file")->required();
     AddTimeLimitOption(*info, options->TimeLimit);
     info->callback([options] { Run(*options); });

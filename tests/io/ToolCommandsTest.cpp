@@ -6,10 +6,12 @@
 
 #include <sys/wait.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <TopoDS_Edge.hxx>
@@ -53,8 +55,11 @@ TEST(ToolCommands, MeshWritesEachFormatAndSaysWhatItWrote)
         EXPECT_GT(std::filesystem::file_size(dir.File("box." + ext)), 1000u);
     }
     const std::string obj = Slurp(dir.File("box.obj"));
-    EXPECT_NE(obj.find("o face 7 (#402)"), std::string::npos);
+    EXPECT_NE(obj.find("\ng face_7_(#402)\n"), std::string::npos);
     EXPECT_NE(obj.find("vn "), std::string::npos);
+    const Result quads = RunTool(dir, "mesh " + dir.File("box.stp") + " -o " + dir.File("quads.obj") + " --quads");
+    EXPECT_EQ(quads.Code, 0) << quads.Err;
+    EXPECT_TRUE(std::regex_search(Slurp(dir.File("quads.obj")), std::regex("\nf( \\d+//\\d+){4}\n")));
     const Result glu = RunTool(dir, "mesh " + dir.File("box.stp") + " -o " + dir.File("glu.stl") + " --road glu --size 300x200");
     EXPECT_EQ(glu.Code, 0) << glu.Err;
     EXPECT_NE(glu.Out.find("(glu road, 300x200 view)"), std::string::npos) << glu.Out;
@@ -74,6 +79,8 @@ TEST(ToolCommands, EveryFailureIsOneLineAndAnExitCodeAndLeavesNoFile)
         {"mesh " + dir.File("edge.stp") + " -o " + out, "orvane: " + dir.File("edge.stp") + " holds no faces\n"},
         {"mesh " + dir.File("cyl.stp") + " -o " + dir.File("out.ply"),
          "orvane: " + dir.File("out.ply") + ": the output must end in .obj, .stl or .glb\n"},
+        {"mesh " + dir.File("cyl.stp") + " -o " + out + " --quads",
+         "orvane: " + out + ": --quads writes OBJ only, the output must end in .obj\n"},
         {"mesh " + dir.File("cyl.stp") + " -o " + dir.File("no/such/out.glb"),
          "orvane: cannot write " + dir.File("no/such/out.glb") + ": No such file or directory\n"},
         {"info " + dir.File("junk.igs"), "orvane: " + dir.File("junk.igs") + " is not an IGES or STEP file\n"},
@@ -102,6 +109,12 @@ TEST(ToolCommands, InfoListsFacesKindsAndTheBox)
     EXPECT_NE(r.Out.find(": plane as NURBS of degree 1x1, 2x2 poles, trimmed, 4-curve outer loop, 1 hole"),
               std::string::npos)
         << r.Out;
+    // The mesh closes round the solid and encloses its volume to within 1%.
+    const std::size_t solid = r.Out.find("solids, meshed at tolerance 0.04733:\n  solid 1: closed, ");
+    ASSERT_NE(solid, std::string::npos) << r.Out;
+    const std::size_t share = r.Out.find(" against 113717 exact (", solid);
+    ASSERT_NE(share, std::string::npos) << r.Out;
+    EXPECT_LT(std::abs(std::atof(r.Out.c_str() + share + 23)), 1.0) << r.Out;
 }
 
 }  // namespace
