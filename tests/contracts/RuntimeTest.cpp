@@ -97,11 +97,6 @@ public:
     virtual int Value() = 0;
 };
 
-class IOther : public virtual IInterface {
-public:
-    static constexpr TGUID IID = TGUID::FromString("{99999999-2222-3333-4444-555555555555}");
-};
-
 class TProbe : public TInterfacedObject, public IProbe {
 public:
     explicit TProbe(bool& freed) : FFreed(freed) {}
@@ -136,8 +131,11 @@ TEST(AppSystem, GuidsServicesByQueryAndMessagesThroughTheSink)
     auto probe = found.Query<IProbe>();
     ASSERT_TRUE(probe);
     EXPECT_EQ(probe->Value(), 42);
-    EXPECT_FALSE(found.Query<IOther>());
-    EXPECT_EQ(app.GetService(IOther::IID), nullptr);
+    constexpr TGUID other = TGUID::FromString("{99999999-2222-3333-4444-555555555555}");
+    void* obj = &app;
+    EXPECT_EQ(found->QueryInterface(other, &obj), E_NOINTERFACE);
+    EXPECT_EQ(obj, nullptr);
+    EXPECT_EQ(app.GetService(other), nullptr);
     found = nullptr;
     probe = nullptr;
     app.ClearServices();

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "contracts/Cadgeometry.h"
@@ -143,6 +144,15 @@ public:
         for (const GlCall& c : Rec.CallsOf("gluNurbsProperty"))
             if (c.Args[1] == Property) values.push_back(c.Args[2]);
         return values;
+    }
+    // The call names without their "glu", space-separated; with TrimsOnly, only the trim calls.
+    std::string Sequence(bool TrimsOnly = false) const
+    {
+        std::string all;
+        for (const std::string& name : Rec.Names())
+            if (!TrimsOnly || name.find("Trim") != std::string::npos || name.find("Curve") != std::string::npos)
+                all += (all.empty() ? "" : " ") + name.substr(3);
+        return all;
     }
     long LiveRenderers() const
     {

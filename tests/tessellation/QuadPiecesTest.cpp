@@ -1,12 +1,13 @@
 // The pieces of the quad road: the point evaluation that extrapolates a little past the knot
-// range, the quad normals and their repair along runs, and quads split into triangles.
+// range (inside it, it is checked against the kernel at every quad corner of the shape
+// library's meshes), the quad normals and their repair along runs, and quads split into
+// triangles.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "contracts/PrimitiveCodes.h"
-#include "contracts/Shapes.h"
 #include "tessellation/QuadNormals.h"
 #include "tessellation/TempNurbsPointEval.h"
 #include "tessellation/TriangleArrays.h"
@@ -17,36 +18,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
-
-TEST(TempNurbsPointEval, AgreesWithTheKernelInsideTheKnotRangeAndOnRepeatedKnots)
-{
-    const TTempNurbsPointEval eval(0.001);
-    for (const char* name : {"cylinder", "sphere", "torus", "freeform", "cone", "ruled-u"}) {
-        const auto shape = MakeShape(name);
-        const auto& nurbs = dynamic_cast<const TGeNurbsSurface&>(*shape);
-        const TRect2D d = nurbs.GetDomain();
-        for (int i = 0; i <= 16; ++i)
-            for (int j = 0; j <= 16; ++j) {
-                const TPoint2D uv{d.Min.X + d.Width() * i / 16, d.Min.Y + d.Height() * j / 16};
-                EXPECT_LE(eval.EvalPointOnNurbsSurface(nurbs, uv).DistanceTo(nurbs.GetPoint(uv.X, uv.Y)), 1e-12)
-                    << name << " at " << uv.X << ", " << uv.Y;
-            }
-    }
-    // The cylinder's double knots 0.25, 0.5, 0.75 lie on column lines; at the last knot a
-    // clamped surface ends at its corner control point.
-    const auto cylinder = MakeShape("cylinder");
-    const auto& nurbs = dynamic_cast<const TGeNurbsSurface&>(*cylinder);
-    EXPECT_EQ(eval.EvalPointOnNurbsSurface(nurbs, {1.0, 1.0}), nurbs.GetCtrlPoint(8, 1));
-    EXPECT_EQ(TTempNurbsPointEval::FindKnotSpan(1.0, nurbs.KnotsU, 2), 8);
-    EXPECT_EQ(TTempNurbsPointEval::FindKnotSpan(0.25, nurbs.KnotsU, 2), 4);
-    EXPECT_EQ(TTempNurbsPointEval::FindKnotSpan(0.2499, nurbs.KnotsU, 2), 2);
-    EXPECT_EQ(TTempNurbsPointEval::FindKnotSpan(-0.1, nurbs.KnotsU, 2), 2);
-
-    // Weights 2 everywhere give the same points: the division by the weight is made.
-    const TDynPoints3D pts{{0, 0, 0}, {0, 1, 0}, {1, 0, 1}, {1, 1, 2}};
-    const TGeNurbsSurface weighted(2, 2, 1, 1, {0, 0, 1, 1}, {0, 0, 1, 1}, pts, {2, 2, 2, 2});
-    EXPECT_LE(eval.EvalPointOnNurbsSurface(weighted, {0.3, 0.6}).DistanceTo({0.3, 0.6, 0.3 + 0.3 * 0.6}), 1e-15);
-}
 
 TEST(TempNurbsPointEval, ExtrapolatesInsideTheBandAndClampsBeyondIt)
 {
