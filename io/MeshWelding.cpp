@@ -10,13 +10,9 @@
 namespace orvane::io {
 namespace {
 
-bool IsFlatOnly(const FaceMesh& f)
-{
-    return f.Triangles.empty() && f.Tri.size() >= 9;
-}
-
 void CheckIndexedForm(const FaceMesh& f, std::size_t pointCount)
 {
+    if (f.Triangles.empty() && !f.Tri.empty()) throw std::runtime_error(f.Name + ": its mesh has no indexed form");
     const auto bad = [&] { throw std::runtime_error(f.Name + ": its indexed mesh refers past its points"); };
     if (f.Normals.size() != f.Points.size()) bad();
     for (const int p : f.Points)
@@ -87,30 +83,8 @@ WeldedBody WeldBody(const std::vector<const FaceMesh*>& faces, int solid)
 
 }  // namespace
 
-void IndexFlatFaces(ModelMesh& Mesh)
-{
-    std::map<std::array<double, 3>, int> pointAt;
-    for (FaceMesh& f : Mesh.Faces) {
-        if (!IsFlatOnly(f)) continue;
-        const std::size_t count = std::min(f.Tri.size(), f.Norm.size()) / 9 * 3;
-        for (std::size_t v = 0; v < count; ++v) {
-            const std::array<double, 3> p{f.Tri[3 * v], f.Tri[3 * v + 1], f.Tri[3 * v + 2]};
-            const auto [at, added] = pointAt.emplace(p, static_cast<int>(Mesh.Points.size()));
-            if (added) Mesh.Points.push_back({p[0], p[1], p[2]});
-            f.Points.push_back(at->second);
-            f.Normals.push_back(TPoint3D(f.Norm[3 * v], f.Norm[3 * v + 1], f.Norm[3 * v + 2]).Normal());
-        }
-        for (int v = 0; v + 2 < static_cast<int>(count); v += 3) f.Triangles.push_back({v, v + 1, v + 2});
-    }
-}
-
 WeldedMesh WeldFaces(const ModelMesh& Mesh)
 {
-    if (std::any_of(Mesh.Faces.begin(), Mesh.Faces.end(), IsFlatOnly)) {
-        ModelMesh indexed = Mesh;
-        IndexFlatFaces(indexed);
-        return WeldFaces(indexed);
-    }
     std::map<int, std::vector<const FaceMesh*>> facesOf;  // by solid; -1 first
     for (const FaceMesh& f : Mesh.Faces) {
         CheckIndexedForm(f, Mesh.Points.size());

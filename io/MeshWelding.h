@@ -40,13 +40,8 @@ struct WeldedMesh {
     std::vector<WeldedBody> Bodies;  // the solids with faces in order, then the faces in none
 };
 
-// Welds the faces body by body. A face that has only flat arrays (Tri, Norm) is indexed first
-// by IndexFlatFaces.
+// Welds the faces body by body, from their indexed form (both roads fill it). Raises
+// std::runtime_error for a face whose indexed form is missing or refers past its points.
 WeldedMesh WeldFaces(const ModelMesh& Mesh);
-
-// Gives each face that has triangles in its flat arrays but no indexed form one: its vertices
-// become new model points, bit-equal positions merged, so such faces join only where their
-// positions agree exactly.
-void IndexFlatFaces(ModelMesh& Mesh);
 
 }  // namespace orvane::io

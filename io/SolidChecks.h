@@ -23,7 +23,7 @@ struct SolidCheck {
 
 // One check for each solid that has meshed faces, in the solids' order. Edges are told apart
 // by their model points, so faces count as joined only where they share points; an edge from
-// a point to itself (at a pole) is no edge. Faces with only flat arrays are indexed first.
+// a point to itself (at a pole) is no edge.
 std::vector<SolidCheck> CheckSolids(const ModelMesh& Mesh);
 
 }  // namespace orvane::io

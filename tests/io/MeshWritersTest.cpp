@@ -150,6 +150,13 @@ TEST(MeshWelding, SplitsAtCreasesAndJoinsSmoothFaces)
     const TPoint3D n = body.Normals[static_cast<std::size_t>(body.Faces[1].Triangles[0][0])];
     EXPECT_NEAR(n.X, -std::sin(0.5 * std::numbers::pi / 180.0), 1e-12);
     EXPECT_NEAR(n.Z, std::cos(0.5 * std::numbers::pi / 180.0), 1e-12);
+    // A broken indexed form is an error, not a crash.
+    ModelMesh broken = Hinge(0.0);
+    broken.Faces[1].Points[3] = 6;
+    EXPECT_THROW(WeldFaces(broken), std::runtime_error);
+    broken = Hinge(0.0);
+    broken.Faces[1].Triangles[1][2] = 4;
+    EXPECT_THROW(WeldFaces(broken), std::runtime_error);
 }
 
 TEST(MeshWriters, ObjSharesPointsBitForBitAndWritesQuadsOnRequest)
