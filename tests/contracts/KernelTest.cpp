@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <numbers>
-#include <set>
 
 #include "contracts/Cadgeometry.h"
 #include "contracts/Shapes.h"
@@ -80,8 +79,6 @@ TEST(KernelValues, TolerancesPointsRectanglesAndLines)
     EXPECT_TRUE(fSmall(1.0, 1.0 + 2e-6, 1e-6));
     EXPECT_FALSE(fSmall(1.0, 1.0 + 1e-7, 1e-6));
     EXPECT_FALSE(fSmall(2.0, 1.0, 1e-6));
-    EXPECT_TRUE(fEqual(1.0f, 1.5f, 0.5f));
-    EXPECT_FALSE(fEqual(1.0f, 1.5f, 0.25f));
     EXPECT_TRUE(TPoint2D(0, 0).Equals({0, 1e-6}, 1e-6));
     EXPECT_FALSE(TPoint2D(0, 0).Equals({0, 1.1e-6}, 1e-6));
     EXPECT_TRUE(DefTol.PointEquals(TPoint2D(1, 1), TPoint2D(1, 1 + 5e-7)));
@@ -225,8 +222,6 @@ TEST(KernelCurves, LineAndCompositeJoinTheirPieces)
     line.GetSamplePoints(3, pts, params);
     EXPECT_EQ(pts, (TDynPoints2D{{0, 0}, {1, 2}, {2, 4}}));
     EXPECT_EQ(params, (TFloatDynArray{0, 0.5, 1}));
-    line.GetSamplePoints(1, pts, params);
-    EXPECT_EQ(pts, (TDynPoints2D{{0, 0}}));
     line.GetSamplePoints(0, pts, params);
     EXPECT_TRUE(pts.empty() && params.empty());
 
@@ -252,14 +247,6 @@ TEST(KernelCurves, LineAndCompositeJoinTheirPieces)
 
 TEST(KernelShapes, LibraryShapesLieOnTheirClosedFormsWithTheirStructure)
 {
-    const std::vector<std::string> names = ShapeNames();
-    const std::set<std::string> unique(names.begin(), names.end());
-    EXPECT_EQ(unique.size(), names.size());
-    for (const char* required : {"plane", "bilinear", "cylinder", "cylinder-transposed", "partial-cylinder", "cone",
-                                 "sphere", "torus", "freeform", "ruled-u", "ruled-v", "trimmed-circular-holes",
-                                 "trimmed-polygon-holes"})
-        EXPECT_TRUE(unique.count(required)) << required;
-    for (const std::string& name : names) EXPECT_FALSE(ShapeDescription(name).empty()) << name;
     EXPECT_EQ(MessageOf([] { MakeShape("teapot"); }), "Unknown shape: teapot");
 
     const auto sphere = MakeShape("sphere"), torus = MakeShape("torus"), cone = MakeShape("cone");

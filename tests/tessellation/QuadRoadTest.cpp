@@ -352,14 +352,13 @@ struct Arrays {
 
 TEST(QuadSurfaceTriangulator, RegistrationToleranceAndAFreshClassificationEachCall)
 {
+    // The unit registers a quad triangulator and leaves it registered when it stops.
     AppSys.ClearServices();
     StartUnit_uTessQuadsTriangulator();
-    IInterface* root = AppSys.GetService(IGeSurfaceTriangulator::IID);
-    ASSERT_NE(root, nullptr);
-    EXPECT_NE(dynamic_cast<TQuadSurfaceTriangulator*>(TInterfacePtr<IInterface>(root).Query<IGeSurfaceTriangulator>().get()),
-              nullptr);
     StopUnit_uTessQuadsTriangulator();
-    EXPECT_EQ(AppSys.GetService(IGeSurfaceTriangulator::IID), root);
+    TInterfacePtr<IInterface> root(AppSys.GetService(IGeSurfaceTriangulator::IID));
+    EXPECT_NE(dynamic_cast<TQuadSurfaceTriangulator*>(root.Query<IGeSurfaceTriangulator>().get()), nullptr);
+    root = nullptr;
     AppSys.ClearServices();
 
     // A given tolerance is a hundred times the one used; VDir and not simple before the first call.
