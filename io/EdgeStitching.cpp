@@ -148,7 +148,58 @@ public:
         MendPoleNormals(FDraft, *FSurface, FFace.Reversed, NormalFloor(FFace));
     }
 
+    // A thin triangle along the boundary may turn over once its corners sit on the edges'
+    // chords: each such triangle trades its inner side with the neighbour across it where
+    // that turns both the right way. Quads that take part are quads no more.
+    void RepairTurned()
+    {
+        std::vector<bool> touched(FDraft.Triangles.size(), false);
+        for (int pass = 0; pass < 8 && RepairPass(touched); ++pass) {
+        }
+        std::erase_if(FDraft.QuadStarts, [&](int q) { return touched[static_cast<std::size_t>(q)] || touched[static_cast<std::size_t>(q) + 1]; });
+    }
+
 private:
+    // One round of trades; true if any took place.
+    bool RepairPass(std::vector<bool>& touched)
+    {
+        bool traded = false;
+        std::unordered_map<std::uint64_t, std::vector<int>> sides;
+        auto& tris = FDraft.Triangles;
+        for (int t = 0; t < static_cast<int>(tris.size()); ++t)
+            for (int k = 0; k < 3; ++k) sides[Key(tris[static_cast<std::size_t>(t)][static_cast<std::size_t>(k)], tris[static_cast<std::size_t>(t)][static_cast<std::size_t>((k + 1) % 3)])].push_back(t);
+        for (int t = 0; t < static_cast<int>(tris.size()); ++t) {
+            if (Facing(tris[static_cast<std::size_t>(t)]) >= 0.0) continue;
+            for (int k = 0; k < 3 && Facing(tris[static_cast<std::size_t>(t)]) < 0.0; ++k) {
+                const auto tri = tris[static_cast<std::size_t>(t)];
+                const int a = tri[static_cast<std::size_t>(k)], b = tri[static_cast<std::size_t>((k + 1) % 3)], c = tri[static_cast<std::size_t>((k + 2) % 3)];
+                const std::vector<int>& across = sides[Key(a, b)];
+                if (across.size() != 2) continue;
+                const int u = across[0] == t ? across[1] : across[0];
+                const auto& other = tris[static_cast<std::size_t>(u)];
+                const int d = other[0] != a && other[0] != b ? other[0] : other[1] != a && other[1] != b ? other[1] : other[2];
+                const std::array<int, 3> first{a, d, c}, second{d, b, c};
+                if (Facing(first) <= 0.0 || Facing(second) <= 0.0) continue;
+                tris[static_cast<std::size_t>(t)] = first;
+                tris[static_cast<std::size_t>(u)] = second;
+                touched[static_cast<std::size_t>(t)] = touched[static_cast<std::size_t>(u)] = true;
+                traded = true;
+                break;
+            }
+        }
+        return traded;
+    }
+
+    // Twice the triangle's area along the surface normal at its corners: negative where it
+    // is turned over.
+    double Facing(const std::array<int, 3>& t) const
+    {
+        const DraftVertex& a = FDraft.Vertices[static_cast<std::size_t>(t[0])];
+        const DraftVertex& b = FDraft.Vertices[static_cast<std::size_t>(t[1])];
+        const DraftVertex& c = FDraft.Vertices[static_cast<std::size_t>(t[2])];
+        return (b.Position - a.Position).CrossMul(c.Position - a.Position).DotMul(a.Normal + b.Normal + c.Normal);
+    }
+
     static std::uint64_t Key(int a, int b)
     {
         return (static_cast<std::uint64_t>(std::min(a, b)) << 32) | static_cast<std::uint32_t>(std::max(a, b));
@@ -240,7 +291,26 @@ private:
         }
         std::sort(places.begin(), places.end());
         if (!forward) std::reverse(places.begin(), places.end());
+        if (!AllBetween(loop, places, a, b)) return;
         for (const Place& p : places) polygon.push_back(AddBoundaryVertex(wa.Loop, p.Segment, p.Sigma));
+    }
+
+    // Whether every place lies on the side from a to b in UV: a side whose ends were placed on
+    // loop segments that are not one after the other (a loop that runs back along itself)
+    // takes no points.
+    template <typename Places>
+    bool AllBetween(const BoundaryLoop& loop, const Places& places, int a, int b) const
+    {
+        const TPoint2D pa = FDraft.Vertices[static_cast<std::size_t>(a)].UV, pb = FDraft.Vertices[static_cast<std::size_t>(b)].UV;
+        const double dx = pb.X - pa.X, dy = pb.Y - pa.Y, length2 = dx * dx + dy * dy;
+        for (const auto& p : places) {
+            const LoopLocation w{0, p.Segment, std::isnan(p.Sigma) ? 0.0 : std::clamp(FractionOf(loop.Segments[static_cast<std::size_t>(p.Segment)], p.Sigma), 0.0, 1.0)};
+            const TPoint2D q = UVAt(loop, w);
+            const double t = ((q.X - pa.X) * dx + (q.Y - pa.Y) * dy) / length2;
+            const double off = std::fabs((q.X - pa.X) * dy - (q.Y - pa.Y) * dx) / std::sqrt(length2);
+            if (!(t > 0.0 && t < 1.0) || off > 1e-3 * std::sqrt(length2)) return false;
+        }
+        return true;
     }
 
     // A vertex at the start of the segment, or at Sigma on its edge (the point that the other
@@ -280,6 +350,7 @@ void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>&
         DraftStitcher stitcher(Model, *Faces[i], Drafts[i], marks);
         stitcher.Place();
         stitcher.Split();
+        stitcher.RepairTurned();
     }
 }
 

@@ -38,14 +38,13 @@ int KnotsForColumns(int n, int p, double needed)
 }
 
 // N_d and L_d of one direction; fills Span, Needed and Scale.
-DirectionPlan ScaleDirection(double span, double maxFirst, double maxSecond, const PreparationSettings& s)
+DirectionPlan ScaleDirection(double span, double maxSecond, const PreparationSettings& s)
 {
     DirectionPlan d;
     d.Span = span;
-    d.Needed = span * std::sqrt(maxSecond / (8.0 * s.Tolerance));
-    const double flatten = s.SampleTolerance / 10.0;
-    const double length = std::max(kRowSpacing * d.Needed, flatten * maxFirst * span / s.Tolerance);
-    d.Scale = length > 0.0 ? length / span : 1.0;
+    d.Needed = span * std::sqrt(maxSecond / (4.0 * s.Tolerance));
+    const double length = kRowSpacing * std::max(d.Needed, 1.0);
+    d.Scale = length / span;
     return d;
 }
 
@@ -88,8 +87,8 @@ PreparationPlan PlanPreparation(const FaceData& F, TExtrusionType Type, bool Sim
     plan.Simple = Simple;
     plan.XIsU = Type != TExtrusionType::UDir;
     const double spanU = s.KnotsU.back() - s.KnotsU.front(), spanV = s.KnotsV.back() - s.KnotsV.front();
-    const DirectionPlan u = ScaleDirection(spanU, b.MaxSu, b.MaxSuu, Settings);
-    const DirectionPlan v = ScaleDirection(spanV, b.MaxSv, b.MaxSvv, Settings);
+    const DirectionPlan u = ScaleDirection(spanU, b.MaxSuu, Settings);
+    const DirectionPlan v = ScaleDirection(spanV, b.MaxSvv, Settings);
     plan.X = plan.XIsU ? u : v;
     plan.Y = plan.XIsU ? v : u;
     plan.Y.Parts = PartsOf(plan.Y.Scale * plan.Y.Span, kRowSpacing);

@@ -8,13 +8,13 @@
 // a surface straight along U only, where X is V.) So a face's parameters decide its density.
 //
 // For each direction d of the plane, with s_d the knot span, M_d the largest second
-// derivative across the surface and G_d the largest first derivative (both in the face's own
-// parameters), T the tolerance, h = 0.05 and e the UV tolerance to which the road flattens
-// trim curves (a tenth of its sample tolerance):
+// derivative across the surface (in the face's own parameters), T the tolerance and h = 0.05:
 //
-//   N_d = s_d * sqrt(M_d / (8 T))       parts that keep every chord within T: h_d^2 M_d / 8 <= T
-//   L_d = max(h * N_d, e * G_d * s_d / T)   the prepared span; the second term keeps the
-//                                        flattened trim curves within T of the true ones
+//   N_d = s_d * sqrt(M_d / (4 T))       parts that keep every chord within T / 2, so that a
+//                                        quad's centre, off by both directions' chords, stays
+//                                        within T: h_d^2 M_d / 8 <= T / 2
+//   L_d = h * max(N_d, 1)                the prepared span, never below one part, so that the
+//                                        quad tool's merging stays far below the loops' detail
 //   p -> (L_d / s_d) * (p - p0)          the affine change of parameter (knots and trim curves)
 //
 // Rows: ceil(L_Y / h). Columns of a surface that is not simple: X gets k inserted knots, the
@@ -40,7 +40,6 @@ public:
 
 struct PreparationSettings {
     double Tolerance = 0.0;                       // chordal tolerance, model units
-    double SampleTolerance = DefaultSampleRange / 100.0;  // the quad service's, in UV units
     long long MaxQuads = 2'000'000;               // per face
 };
 
