@@ -1,9 +1,15 @@
+// The embedded shader sources, the per-context shader manager and what the VAO manager makes,
+// in real contexts: names read back from GL, pixels of a mesh whose shader failed.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "mesh_drawing/GLShaderManager.h"
 #include "mesh_drawing/GLVAOManager.h"
 #include "shaders/ShaderResources.h"
 #include "tests/support/GlRecorder.h"
@@ -14,13 +20,38 @@ namespace orvane {
 namespace {
 
 using namespace dglOpenGL;
-using testing::GlRecorder;
-using testing::MessageCapture;
 using testing::OffscreenGL;
+using Texts = std::vector<std::string>;
+
+std::string FileBytes(const std::string& name)
+{
+    std::ifstream file(std::string(ORVANE_SOURCE_DIR) + "/shaders/" + name, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+// Replaces the resource finder for its life: notes each read and can make one name missing
+// or give it other bytes.
+struct Finder {
+    Texts Reads;
+    std::string Missing, Replaced, Bytes;
+    TResourceFinder Previous;
+
+    Finder()
+    {
+        Previous = SetResourceFinder([this](const std::string& name, Cardinal type, std::string& bytes) {
+            Reads.push_back(name);
+            if (name == Replaced) return bytes = Bytes, true;
+            return name != Missing && FindEmbeddedResource(name, type, bytes);
+        });
+    }
+    ~Finder() { SetResourceFinder(Previous); }
+};
 
 // Lets the real entry points make every name and notes each one.
 struct NameSpy {
-    GlRecorder Rec;
+    testing::GlRecorder Rec;
     std::vector<GLuint> Buffers, VertexArrays, Shaders, Programs;
 
     NameSpy()
@@ -29,22 +60,15 @@ struct NameSpy {
         static decltype(glGenVertexArrays) genVertexArrays;
         static decltype(glCreateShader) createShader;
         static decltype(glCreateProgram) createProgram;
-        genBuffers = glGenBuffers;
-        genVertexArrays = glGenVertexArrays;
-        createShader = glCreateShader;
-        createProgram = glCreateProgram;
-        Rec.Record<&glGenBuffers>([this](GLsizei n, GLuint* names) {
-            genBuffers(n, names);
-            Buffers.push_back(names[0]);
-        });
+        genBuffers = glGenBuffers, genVertexArrays = glGenVertexArrays;
+        createShader = glCreateShader, createProgram = glCreateProgram;
+        Rec.Record<&glGenBuffers>([this](GLsizei n, GLuint* names) { genBuffers(n, names), Buffers.push_back(names[0]); });
         Rec.Record<&glGenVertexArrays>([this](GLsizei n, GLuint* names) {
-            genVertexArrays(n, names);
-            VertexArrays.push_back(names[0]);
+            genVertexArrays(n, names), VertexArrays.push_back(names[0]);
         });
         Rec.Record<&glCreateShader>([this](GLenum type) { return Shaders.emplace_back(createShader(type)); });
         Rec.Record<&glCreateProgram>([this] { return Programs.emplace_back(createProgram()); });
     }
-
     // How many of the noted names the current context still knows.
     int Alive() const
     {
@@ -55,25 +79,72 @@ struct NameSpy {
         for (GLuint name : Programs) alive += glIsProgram(name) ? 1 : 0;
         return alive;
     }
-    int Made() const
-    {
-        return static_cast<int>(Buffers.size() + VertexArrays.size() + Shaders.size() + Programs.size());
-    }
+    int Made() const { return int(Buffers.size() + VertexArrays.size() + Shaders.size() + Programs.size()); }
 };
 
 const TDynGLFloat kTri{-0.9f, -0.9f, 0, 0.9f, -0.9f, 0, 0, 0.9f, 0};
 const TDynGLFloat kNorm{0, 0, 1, 0, 0, 1, 0, 0, 1};
 
-TGLMatrixf4 Identity()
-{
-    TGLMatrixf4 m;
-    m.Reset();
-    return m;
-}
-
 void Draw(TGLVAOManager& manager, Cardinal id)
 {
-    manager.DrawVAO(id, {0, 0, 1}, {0, 1, 0}, Identity(), 0x808080, true, 0);
+    TGLMatrixf4 identity;
+    identity.Reset();
+    manager.DrawVAO(id, {0, 0, 1}, {0, 1, 0}, identity, 0x808080, true, 0);
+}
+
+TEST(ShaderResources, AreTheSourceFilesByteForByteFoundInAnyCaseAndTheFinderCanBeReplaced)
+{
+    for (const auto& [name, file] : {std::pair{"VertShader", "VertShader.glsl"}, {"FragShader", "FragShader.glsl"}}) {
+        const std::string bytes = TResourceStream(name, RT_RCDATA).Bytes();
+        EXPECT_EQ(bytes, FileBytes(file)) << name;
+        EXPECT_EQ(bytes.rfind("#version 330 core\r\n", 0), 0u) << name;
+        // CR LF line ends only, no terminating zero, no byte-order mark.
+        EXPECT_EQ(bytes.substr(bytes.size() - 2), "\r\n");
+        for (std::size_t i = 1; i < bytes.size(); ++i)
+            ASSERT_FALSE(bytes[i] == '\n' && bytes[i - 1] != '\r') << name << " at " << i;
+        EXPECT_EQ(bytes.find('\0'), std::string::npos);
+    }
+    EXPECT_EQ(TResourceStream("VERTSHADER", RT_RCDATA).Bytes(), TResourceStream("vertshader", RT_RCDATA).Bytes());
+    // The lamps turn by this value of pi, not the true one.
+    EXPECT_NE(TResourceStream("FragShader", RT_RCDATA).Bytes().find("const float PI = 3.14158265359;"), std::string::npos);
+    EXPECT_EQ(testing::Raised<EResNotFound>([] { TResourceStream("NoShader", RT_RCDATA); }), "Resource NoShader not found");
+    EXPECT_THROW(TResourceStream("VertShader", 3), EResNotFound);
+    {
+        Finder finder;
+        finder.Replaced = "VertShader";
+        finder.Bytes = "test bytes";
+        EXPECT_EQ(TResourceStream("VertShader", RT_RCDATA).Bytes(), "test bytes");
+    }
+    EXPECT_EQ(TResourceStream("VertShader", RT_RCDATA).Bytes(), FileBytes("VertShader.glsl"));
+}
+
+TEST(GLShaderManager, OneShaderPerContextFilledFromTheResourcesOnceNoContextIncluded)
+{
+    Finder finder;
+    OffscreenGL a(8, 8);
+    OffscreenGL b(8, 8);
+    TGLShaderManager manager;
+    a.MakeCurrent();
+    TGLSLShader* first = manager.GetShader();
+    EXPECT_EQ(manager.GetShader(), first);
+    EXPECT_EQ(finder.Reads, (Texts{"VertShader", "FragShader"}));
+    EXPECT_TRUE(first->Validated());
+    EXPECT_TRUE(first->VertexProgram().Enabled() && first->FragmentProgram().Enabled());
+    EXPECT_EQ(first->VertexProgram().Code().Text(), FileBytes("VertShader.glsl"));
+    EXPECT_EQ(first->GLSLProg().Handle(), 0u);  // no GL work yet: it compiles at its first use
+    b.MakeCurrent();
+    EXPECT_NE(manager.GetShader(), first);
+    dglOpenGL::DeactivateRenderingContext();  // no current context is a key like any other
+    ASSERT_EQ(wglGetCurrentContext(), nullptr);
+    TGLSLShader* none = manager.GetShader();
+    EXPECT_EQ(manager.GetShader(), none);
+    EXPECT_EQ(manager.Count(), 3);
+    EXPECT_EQ(finder.Reads.size(), 6u);
+
+    finder.Missing = "FragShader";
+    TGLShaderManager failing;
+    EXPECT_EQ(testing::Raised<EResNotFound>([&] { failing.GetShader(); }), "Resource FragShader not found");
+    EXPECT_EQ(failing.Count(), 0);
 }
 
 TEST(ContextResources, NothingTheManagerMadeOutlivesIt)
@@ -87,10 +158,8 @@ TEST(ContextResources, NothingTheManagerMadeOutlivesIt)
     manager->AddVAORef(indexed);
     Draw(*manager, plain);
     Draw(*manager, indexed);
-    // 5 buffers, 2 vertex arrays, 2 shaders, 1 program.
-    ASSERT_EQ(spy.Made(), 10);
+    ASSERT_EQ(spy.Made(), 10);  // 5 buffers, 2 vertex arrays, 2 shaders, 1 program
     EXPECT_EQ(spy.Alive(), 10);
-    // The check can tell: a name never made is not alive.
     EXPECT_FALSE(glIsBuffer(4242) || glIsVertexArray(4242) || glIsShader(4242) || glIsProgram(4242));
     manager.reset();
     EXPECT_EQ(spy.Alive(), 0);
@@ -98,47 +167,38 @@ TEST(ContextResources, NothingTheManagerMadeOutlivesIt)
 
 TEST(ContextResources, AShaderThatFailsToCompileIsShownOnceAndMeshesDrawInTheCurrentColour)
 {
-    const std::string broken = "#version 330 core\r\nvoid main() { gl_FragColor = undefined_thing; }\r\n";
-    auto previous = SetResourceFinder([&](const std::string& name, Cardinal type, std::string& bytes) {
-        if (name != "FragShader") return FindEmbeddedResource(name, type, bytes);
-        bytes = broken;
-        return true;
-    });
-    {
-        OffscreenGL gl(16, 16);
-        MessageCapture messages;
-        NameSpy spy;
-        auto manager = std::make_unique<TGLVAOManager>();
-        Cardinal first = 0, second = 0;
-        manager->GenerateTriVAO(kTri, kNorm, first);
-        manager->GenerateTriVAO(kTri, kNorm, {0, 1, 2}, second);
-        glClearColor(0, 0, 0, 1);
+    Finder finder;
+    finder.Replaced = "FragShader";
+    finder.Bytes = "#version 330 core\r\nvoid main() { gl_FragColor = undefined_thing; }\r\n";
+    OffscreenGL gl(16, 16);
+    testing::MessageCapture messages;
+    NameSpy spy;
+    auto manager = std::make_unique<TGLVAOManager>();
+    Cardinal first = 0, second = 0;
+    manager->GenerateTriVAO(kTri, kNorm, first);
+    manager->GenerateTriVAO(kTri, kNorm, {0, 1, 2}, second);
+    glClearColor(0, 0, 0, 1);
+    glColor3ub(255, 128, 0);
+    for (Cardinal id : {first, second}) {
         glClear(GL_COLOR_BUFFER_BIT);
-        glColor3ub(255, 128, 0);
-        Draw(*manager, first);
-        ASSERT_EQ(messages.Texts().size(), 1u);
-        EXPECT_EQ(messages.Texts()[0].rfind("Cannot Compile Shader", 0), 0u) << messages.Texts()[0];
-        EXPECT_FALSE(manager->ShaderManager().GetShader()->Enabled());
-        const auto drawnFirst = gl.Pixel(8, 6);
-        glClear(GL_COLOR_BUFFER_BIT);
-        Draw(*manager, second);
-        EXPECT_EQ(messages.Texts().size(), 1u);
+        Draw(*manager, id);
         // Without a program the meshes take the current colour.
-        EXPECT_EQ(drawnFirst, (std::array<std::uint8_t, 4>{255, 128, 0, 255}));
         EXPECT_EQ(gl.Pixel(8, 6), (std::array<std::uint8_t, 4>{255, 128, 0, 255}));
         EXPECT_EQ(gl.Pixel(0, 15), (std::array<std::uint8_t, 4>{0, 0, 0, 255}));
-        // The failed fragment shader was given back when it failed; the vertex shader, the
-        // program and the meshes go with the manager.
-        ASSERT_EQ(spy.Shaders.size(), 2u);
-        EXPECT_FALSE(glIsShader(spy.Shaders[1]));
-        EXPECT_EQ(spy.Alive(), spy.Made() - 1);
-        manager.reset();
-        EXPECT_EQ(spy.Alive(), 0);
     }
-    SetResourceFinder(previous);
+    ASSERT_EQ(messages.Texts().size(), 1u);
+    EXPECT_EQ(messages.Texts()[0].rfind("Cannot Compile Shader", 0), 0u) << messages.Texts()[0];
+    EXPECT_FALSE(manager->ShaderManager().GetShader()->Enabled());
+    // The failed fragment shader was given back when it failed; the vertex shader, the program
+    // and the meshes go with the manager.
+    ASSERT_EQ(spy.Shaders.size(), 2u);
+    EXPECT_FALSE(glIsShader(spy.Shaders[1]));
+    EXPECT_EQ(spy.Alive(), spy.Made() - 1);
+    manager.reset();
+    EXPECT_EQ(spy.Alive(), 0);
 }
 
-TEST(ContextResources, TwoContextsEachGetAShaderAndShareTheManagersIds)
+TEST(ContextResources, TwoContextsEachGetAShaderFreedInsideItAndShareTheManagersIds)
 {
     OffscreenGL a(16, 16);
     OffscreenGL b(16, 16);
@@ -148,13 +208,11 @@ TEST(ContextResources, TwoContextsEachGetAShaderAndShareTheManagersIds)
     Cardinal inA = 0, inB = 0;
     manager->GenerateTriVAO(kTri, kNorm, inA);
     Draw(*manager, inA);
-    const GLuint programA = spy.Programs.at(0);
     b.MakeCurrent();
     manager->GenerateTriVAO(kTri, kNorm, inB);
     Draw(*manager, inB);
-    const GLuint programB = spy.Programs.at(1);
+    const GLuint programA = spy.Programs.at(0), programB = spy.Programs.at(1);
     EXPECT_EQ(manager->ShaderManager().Count(), 2);
-    EXPECT_NE(manager->ShaderManager().GetShader(), nullptr);
 
     // Each context numbers its own vertex arrays: B's mesh took A's id, and A's objects were
     // let go without being deleted; the count went on from A's mesh.
@@ -168,18 +226,29 @@ TEST(ContextResources, TwoContextsEachGetAShaderAndShareTheManagersIds)
     a.MakeCurrent();
     EXPECT_TRUE(glIsVertexArray(inA));  // left behind in A until A goes
 
-    // B's shader is freed inside B, and A stays current.
+    // B's shader is freed inside B, and A stays current; a context without a shader, or one
+    // that cannot be made current, changes nothing.
     manager->FreeContextResource(b.DC(), b.RC());
     EXPECT_EQ(wglGetCurrentContext(), a.RC());
+    EXPECT_EQ(wglGetCurrentDC(), a.DC());
     EXPECT_EQ(manager->ShaderManager().Count(), 1);
     EXPECT_TRUE(glIsProgram(programA));
+    manager->FreeContextResource(b.DC(), b.RC());
+    manager->ShaderManager().FreeShader(b.DC(), nullptr);
+    EXPECT_EQ(manager->ShaderManager().Count(), 1);
+    EXPECT_EQ(wglGetCurrentContext(), a.RC());
     b.MakeCurrent();
     EXPECT_FALSE(glIsProgram(programB));
-
-    // A context without a shader: nothing happens, B stays current.
-    manager->FreeContextResource(b.DC(), b.RC());
-    EXPECT_EQ(wglGetCurrentContext(), b.RC());
+    manager->ShaderManager().FreeShader(nullptr, a.RC());
     EXPECT_EQ(manager->ShaderManager().Count(), 1);
+    EXPECT_EQ(wglGetCurrentContext(), b.RC());
+    EXPECT_NE(manager->ShaderManager().GetShader(), nullptr);  // the next request makes a new one
+    EXPECT_EQ(manager->ShaderManager().Count(), 2);
+
+    // The shader of the current context is freed there, without a switch.
+    manager->ShaderManager().FreeShader(b.DC(), b.RC());
+    EXPECT_EQ(manager->ShaderManager().Count(), 1);
+    EXPECT_EQ(wglGetCurrentContext(), b.RC());
 
     // Destroying frees A's shader in whatever context is current: here B, so A's program is
     // left alive in A.
