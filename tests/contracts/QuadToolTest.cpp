@@ -346,41 +346,6 @@ TEST(QuadTool, HandMadeRegionsKeepEveryPropertyAndTheirArea)
     }
 }
 
-TEST(QuadTool, WindingClosureDuplicatesAndCollinearPointsDoNotChangeTheResult)
-{
-    const std::vector<Quad> plain = QuadsOf(*Quads({Square(0, 0, 2, 1), Circle(1, 0.5, 0.3, 12)}, 0.2, 0.15));
-    const TDynPoints2D messy = {{0, 0}, {0, 1}, {0, 1}, {1, 1}, {2, 1}, {2, 0.4}, {2, 0}, {0, 0}, {0, 0}};
-    TDynPoints2D hole = Circle(1, 0.5, 0.3, 12);
-    std::reverse(hole.begin(), hole.end());
-    hole.push_back(hole.front());
-    ExpectSameQuads(QuadsOf(*Quads({messy, hole}, 0.2, 0.15)), plain);
-}
-
-// The tessellation takes a quad's flat normal from its corners, (P1 - P0) x (P3 - P0) first,
-// and a surface normal from steps along Y, then X: (F(P + dY) - F(P)) x (F(P + dX) - F(P)).
-// P0 top-left and clockwise corners make the two agree for every map F of the plane onto a
-// surface, whichever plane axis runs straight.
-TEST(QuadTool, FlatNormalsOfTheQuadsPointLikeTheSurfaceNormals)
-{
-    using Map = TPoint3D (*)(const TPoint2D&);
-    const Map maps[] = {
-        [](const TPoint2D& p) { return TPoint3D(std::cos(p.X), std::sin(p.X), p.Y); },    // straight along Y
-        [](const TPoint2D& p) { return TPoint3D(p.X, std::cos(p.Y), std::sin(p.Y)); },    // straight along X
-        [](const TPoint2D& p) { return TPoint3D(p.Y, p.X, 0.3 * std::sin(p.X) * p.Y); },  // mirrored, curved
-    };
-    auto normal = [](const TPoint3D& a, const TPoint3D& b, const TPoint3D& c) { return (b - a).Normal().CrossMul(c - a).Normal(); };
-    const std::vector<Quad> quads = QuadsOf(*Quads({Circle(1, 1, 0.9, 30), Circle(1.2, 0.9, 0.3, 9)}, 0.2, 0.15));
-    ASSERT_GT(quads.size(), 50u);
-    for (Map map : maps)
-        for (const Quad& q : quads) {
-            TPoint3D flat = normal(map(q.P[0]), map(q.P[1]), map(q.P[3]));
-            if (flat.Equals(TPoint3D::FZero, 1e-6)) flat = normal(map(q.P[1]), map(q.P[2]), map(q.P[3]));
-            const double d = 1e-4;
-            const TPoint3D surface = normal(map(q.P[0]), map({q.P[0].X, q.P[0].Y + d}), map({q.P[0].X + d, q.P[0].Y}));
-            EXPECT_GT(flat.DotMul(surface), 0.5);
-        }
-}
-
 std::string MessageOf(const QuadLoops& loops, double xtol, double ytol)
 {
     try { Quads(loops, xtol, ytol); } catch (const EArgumentException& e) { return e.Message(); }

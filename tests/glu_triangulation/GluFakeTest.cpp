@@ -19,7 +19,6 @@ using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 namespace gl = dglOpenGL;
 
-const TFakeGlu::Primitive kTriangle{gl::GL_TRIANGLES, {0, 0, 0, 1, 0, 0, 0, 1, 0}};
 const std::vector<TPoint2D> kUnitSquare{{0, 0}, {1, 0}, {1, 1}, {0, 1}};
 
 std::vector<double> Mesh(TGLSurfaceTriangulator& T, const TGeSurface& Surf, bool Quads = false,
@@ -50,7 +49,7 @@ TEST(GluFake, WeightedControlPointsAreRoundedAfterTheProduct)
     Mesh(tri, TGeNurbsSurface(3, 2, 2, 1, ClampedKnots(3, 2), ClampedKnots(2, 1), points, {1, 1, 1, 0.1, 1, 1}));
     ASSERT_EQ(glu.Surfaces.size(), 1u);
     const float w = 0.1f;
-    EXPECT_THAT(std::vector<float>(glu.Surfaces[0].Control.begin() + 12, glu.Surfaces[0].Control.begin() + 16),
+    EXPECT_THAT(std::vector<float>(glu.Surfaces[0].begin() + 12, glu.Surfaces[0].begin() + 16),
                 ElementsAre(static_cast<float>(1.1 * w), static_cast<float>(1.0 * w), static_cast<float>(0.3 * w), w));
 }
 
@@ -71,7 +70,6 @@ TEST(GluFake, CallsOfPlainAndTrimmedSurfaces)
     // Trimmed: path length sampling at tolerance 5 inside the surface, then the outer loop and
     // the hole, each curve in the direction the kernel gives.
     TFakeGlu glu;
-    glu.Script = {kTriangle};
     TGLSurfaceTriangulator tri;
     std::vector<std::unique_ptr<TGeCurve2D>> holes;
     holes.push_back(MakeLineLoop({{0.4, 0.4}, {0.4, 0.6}, {0.6, 0.6}, {0.6, 0.4}}));
@@ -96,7 +94,6 @@ public:
 TEST(GluFake, WhatGoesOutAsItsBaseWhatGivesNothingAndWhichInstanceRecords)
 {
     TFakeGlu glu;
-    glu.Script = {kTriangle};
     const std::vector<double> triangle{0, 0, 0, 1, 0, 0, 0, 1, 0};
     {
         TGLSurfaceTriangulator tri;
@@ -108,7 +105,7 @@ TEST(GluFake, WhatGoesOutAsItsBaseWhatGivesNothingAndWhichInstanceRecords)
                   triangle);
         Mesh(tri, *MakeGridSurface(2, 1, 3, 2, 5, 1));
         ASSERT_EQ(glu.Surfaces.size(), 2u);
-        EXPECT_EQ(glu.Surfaces[0].Control, glu.Surfaces[1].Control);
+        EXPECT_EQ(glu.Surfaces[0], glu.Surfaces[1]);
         EXPECT_THAT(Mesh(tri, OtherSurface()), IsEmpty());
         EXPECT_THAT(Mesh(tri, *Trimmed(Trimmed(MakeGridSurface(2, 2, 3, 3, 10, 10), MakeLineLoop(kUnitSquare)),
                                        MakeLineLoop(kUnitSquare))),

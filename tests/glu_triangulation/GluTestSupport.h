@@ -75,23 +75,14 @@ double MeshArea(const Values& Tri)
     return area;
 }
 
-// A fake GLU NURBS renderer on the recorder: keeps what gluNurbsSurface, gluPwlCurve and
-// gluNurbsCurve were given and, at every gluEndSurface, plays Script through the callbacks
-// installed on it (a code and x, y, z of each vertex; every normal (0, 0, 1)).
+// A fake GLU NURBS renderer on the recorder: keeps the control points given to gluNurbsSurface
+// and what gluPwlCurve and gluNurbsCurve were given, and at every gluEndSurface plays one
+// triangle, (0, 0, 0), (1, 0, 0), (0, 1, 0), through the callbacks installed on it.
 class TFakeGlu {
 public:
-    struct Primitive {
-        dglOpenGL::GLenum Type;
-        std::vector<float> Vertices;
-    };
-    struct Surface {
-        std::vector<float> KnotsS, KnotsT, Control;  // Control: 4 floats a point, s major
-        int StrideS, StrideT, OrderS, OrderT;
-        dglOpenGL::GLenum Type;
-    };
     struct TrimCurve {
         bool Pwl;
-        std::vector<float> Knots, Points;  // Points: 3 floats a point
+        std::vector<float> Knots, Points;  // Points: Stride floats a point
         int Stride, Order;
         dglOpenGL::GLenum Type;
     };
@@ -109,31 +100,27 @@ public:
         Rec.Record<&gluBeginSurface>();
         Rec.Record<&gluBeginTrim>();
         Rec.Record<&gluEndTrim>();
-        Rec.Record<&gluNurbsSurface>([this](GLUnurbs*, GLint sCount, GLfloat* sKnots, GLint tCount, GLfloat* tKnots,
-                                            GLint sStride, GLint tStride, GLfloat* ctrl, GLint sOrder, GLint tOrder, GLenum type) {
-            Surface s{{sKnots, sKnots + sCount}, {tKnots, tKnots + tCount}, {}, sStride, tStride, sOrder, tOrder, type};
+        Rec.Record<&gluNurbsSurface>([this](GLUnurbs*, GLint sCount, GLfloat*, GLint tCount, GLfloat*, GLint sStride,
+                                            GLint tStride, GLfloat* ctrl, GLint sOrder, GLint tOrder, GLenum) {
+            Surfaces.emplace_back();
             for (int i = 0; i < sCount - sOrder; ++i)
-                for (int j = 0; j < tCount - tOrder; ++j) s.Control.insert(s.Control.end(), ctrl + i * sStride + j * tStride, ctrl + i * sStride + j * tStride + 4);
-            Surfaces.push_back(std::move(s));
+                for (int j = 0; j < tCount - tOrder; ++j)
+                    Surfaces.back().insert(Surfaces.back().end(), ctrl + i * sStride + j * tStride, ctrl + i * sStride + j * tStride + 4);
         });
         Rec.Record<&gluPwlCurve>([this](GLUnurbs*, GLint count, GLfloat* data, GLint stride, GLenum type) {
-            TrimCurves.push_back({true, {}, {}, stride, 0, type});
-            for (int i = 0; i < count; ++i) TrimCurves.back().Points.insert(TrimCurves.back().Points.end(), data + i * stride, data + i * stride + 3);
+            TrimCurves.push_back({true, {}, {data, data + count * stride}, stride, 0, type});
         });
         Rec.Record<&gluNurbsCurve>([this](GLUnurbs*, GLint knotCount, GLfloat* knots, GLint stride, GLfloat* ctrl, GLint order, GLenum type) {
-            TrimCurves.push_back({false, {knots, knots + knotCount}, {}, stride, order, type});
-            for (int i = 0; i < knotCount - order; ++i) TrimCurves.back().Points.insert(TrimCurves.back().Points.end(), ctrl + i * stride, ctrl + i * stride + 3);
+            TrimCurves.push_back({false, {knots, knots + knotCount}, {ctrl, ctrl + (knotCount - order) * stride}, stride, order, type});
         });
         Rec.Record<&gluEndSurface>([this](GLUnurbs*) {
-            for (const Primitive& p : Script) {
-                Call<GLenum>(GLU_NURBS_BEGIN, p.Type);
-                for (std::size_t v = 0; v + 3 <= p.Vertices.size(); v += 3) {
-                    GLfloat normal[3] = {0.0f, 0.0f, 1.0f}, vertex[3] = {p.Vertices[v], p.Vertices[v + 1], p.Vertices[v + 2]};
-                    Call<GLfloat*>(GLU_NURBS_NORMAL, normal);
-                    Call<GLfloat*>(GLU_NURBS_VERTEX, vertex);
-                }
-                Call<>(GLU_NURBS_END);
+            Call<GLenum>(GLU_NURBS_BEGIN, GL_TRIANGLES);
+            GLfloat normal[3] = {0, 0, 1}, vertices[3][3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+            for (GLfloat* vertex : vertices) {
+                Call<GLfloat*>(GLU_NURBS_NORMAL, normal);
+                Call<GLfloat*>(GLU_NURBS_VERTEX, vertex);
             }
+            Call<>(GLU_NURBS_END);
         });
     }
 
@@ -160,8 +147,7 @@ public:
     }
 
     GlRecorder Rec;
-    std::vector<Primitive> Script;
-    std::vector<Surface> Surfaces;
+    std::vector<std::vector<float>> Surfaces;  // 4 floats a control point, s major
     std::vector<TrimCurve> TrimCurves;
 
 private:
