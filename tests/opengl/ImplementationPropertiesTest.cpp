@@ -65,34 +65,27 @@ TEST(VersionParser, TakesTheNumbersAroundTheFirstFullStop)
     }
 }
 
-TEST_F(ImplementationProperties, VersionFlagsAreThePrefixUpToTheParsedVersion)
+TEST_F(ImplementationProperties, VersionFlagsAreThePrefixUpToTheParsedVersionGluFlagsLookAtTheMinorOnly)
 {
-    // The flags that are true, as many as given and ending with the one named.
-    const struct { const char* Version; std::size_t Count; const char* Last; } cases[] = {
-        {"5.0", 13, "GL_VERSION_4_0"}, {"4.6.0 NVIDIA 512.15", 19, "GL_VERSION_4_6"}, {"3.1 Mesa", 10, "GL_VERSION_3_1"},
-        {"2.0", 7, "GL_VERSION_2_0"},  {"1.3", 4, "GL_VERSION_1_3"},              {"4", 1, "GL_VERSION_1_0"},
-        {"", 1, "GL_VERSION_1_0"}};
+    // The GL flags that are true, as many as given and ending with the one named; GLU 1.1 to 1.3.
+    const struct { const char* Version; std::size_t Count; const char* Last; const char* Glu; std::vector<bool> GluFlags; }
+        cases[] = {{"5.0", 13, "GL_VERSION_4_0", "1.3", {true, true, true}},
+                   {"4.6.0 NVIDIA 512.15", 19, "GL_VERSION_4_6", "1.2 Mesa", {true, true, false}},
+                   {"3.1 Mesa", 10, "GL_VERSION_3_1", "2.0", {true, false, false}},
+                   {"2.0", 7, "GL_VERSION_2_0", "", {false, false, false}},  // gluGetString nil
+                   {"1.3", 4, "GL_VERSION_1_3", "1.3", {true, true, true}},
+                   {"4", 1, "GL_VERSION_1_0", "1.3", {true, true, true}},
+                   {"", 1, "GL_VERSION_1_0", "1.3", {true, true, true}}};
     const auto flags = VersionFlags();
     for (const auto& c : cases) {
         GlRecorder rec;
-        Read(rec, {c.Version, "", {}, "", "", ""});
+        Read(rec, {c.Version, "", {}, "", "", c.Glu});
         ASSERT_STREQ(flags[c.Count - 1].Name, c.Last);
         for (std::size_t i = 0; i < flags.size(); ++i)
             EXPECT_EQ(*flags[i].Value, i < c.Count) << c.Version << ": " << flags[i].Name;
+        EXPECT_EQ((std::vector<bool>{GLU_VERSION_1_1, GLU_VERSION_1_2, GLU_VERSION_1_3}), c.GluFlags) << c.Glu;
     }
     EXPECT_TRUE(ImplementationRead);
-}
-
-TEST_F(ImplementationProperties, GluFlagsLookAtTheMinorOnly)
-{
-    const struct { const char* Version; std::vector<bool> Flags; } cases[] = {
-        {"1.3", {true, true, true}}, {"1.2 Mesa", {true, true, false}}, {"2.0", {true, false, false}},
-        {"", {false, false, false}}};  // gluGetString nil
-    for (const auto& c : cases) {
-        GlRecorder rec;
-        Read(rec, {"2.1", "", {}, "", "", c.Version});
-        EXPECT_EQ((std::vector<bool>{GLU_VERSION_1_1, GLU_VERSION_1_2, GLU_VERSION_1_3}), c.Flags) << c.Version;
-    }
 }
 
 TEST_F(ImplementationProperties, ExtensionFlagsTestWholeWordsOfGlAndEgl)

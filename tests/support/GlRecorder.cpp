@@ -1,6 +1,7 @@
 #include "tests/support/GlRecorder.h"
 
-#include <cinttypes>
+#include <algorithm>
+#include <iterator>
 #include <cstdio>
 #include <stdexcept>
 
@@ -48,17 +49,12 @@ std::string GlCall::Text() const
         if (i > 0)
             text += ", ";
         char buffer[64];
-        switch (Kinds[i]) {
-        case GlArgKind::Integer:
-            std::snprintf(buffer, sizeof buffer, "%lld", static_cast<long long>(Args[i]));
-            break;
-        case GlArgKind::Real:
-            std::snprintf(buffer, sizeof buffer, "%g", Args[i]);
-            break;
-        case GlArgKind::Pointer:
+        if (Kinds[i] == GlArgKind::Pointer)
             std::snprintf(buffer, sizeof buffer, "%s", Args[i] == 0 ? "nil" : "ptr");
-            break;
-        }
+        else if (Kinds[i] == GlArgKind::Real)
+            std::snprintf(buffer, sizeof buffer, "%g", Args[i]);
+        else
+            std::snprintf(buffer, sizeof buffer, "%lld", static_cast<long long>(Args[i]));
         text += buffer;
     }
     return text + ")";
@@ -115,18 +111,8 @@ std::vector<std::string> GlRecorder::Texts() const
 std::vector<GlCall> GlRecorder::CallsOf(std::string_view name) const
 {
     std::vector<GlCall> calls;
-    for (const auto& call : FCalls)
-        if (call.Name == name)
-            calls.push_back(call);
+    std::copy_if(FCalls.begin(), FCalls.end(), std::back_inserter(calls), [&](const auto& c) { return c.Name == name; });
     return calls;
-}
-
-std::size_t GlRecorder::Count(std::string_view name) const
-{
-    std::size_t count = 0;
-    for (const auto& call : FCalls)
-        count += call.Name == name ? 1 : 0;
-    return count;
 }
 
 }  // namespace orvane::testing

@@ -1,13 +1,12 @@
-// Recording fakes for the GL, GLU and EGL entry-point variables: for the life of a recorder
-// the chosen variables call a fake that records the call with its arguments (and runs a
-// behaviour if one is given); the real entries go back when the recorder ends.
+// Recording fakes for the GL, GLU and EGL entry-point variables: for the life of a recorder the
+// chosen variables call a fake that records the call with its arguments and runs the behaviour
+// if one is given; the real entries go back when the recorder ends.
 //
 //   orvane::testing::GlRecorder rec;
 //   rec.Record<&dglOpenGL::glGenBuffers>([](GLsizei, GLuint* ids) { ids[0] = 7; });
 //   rec.Record<&dglOpenGL::glBindBuffer>();
 //   ... code under test ...
-//   EXPECT_EQ(rec.Names(), (std::vector<std::string>{"glGenBuffers", "glBindBuffer"}));
-//   EXPECT_EQ(rec.Calls()[1].Text(), "glBindBuffer(34962, 7)");
+//   EXPECT_EQ(rec.Texts(), (std::vector<std::string>{"glGenBuffers(1, ptr)", "glBindBuffer(34962, 7)"}));
 #pragma once
 
 #include <cstdint>
@@ -41,19 +40,16 @@ public:
     GlRecorder(const GlRecorder&) = delete;
     GlRecorder& operator=(const GlRecorder&) = delete;
 
-    // Swaps a recording fake into the variable at Slot (&dglOpenGL::glBegin). The behaviour,
-    // when given, runs after the call is recorded and gives the result; without one the fake
-    // returns a value-initialized result.
-    template <auto* Slot>
-    void Record();
-    template <auto* Slot, typename F>
-    void Record(F behaviour);
+    // Swaps a recording fake into the variable at Slot (&dglOpenGL::glBegin). The behaviour runs
+    // after the call is recorded and gives the result; without one the result is zero.
+    template <auto* Slot, typename F = std::nullptr_t>
+    void Record(F behaviour = nullptr);
 
     const std::vector<GlCall>& Calls() const { return FCalls; }
     std::vector<std::string> Names() const;
     std::vector<std::string> Texts() const;
     std::vector<GlCall> CallsOf(std::string_view name) const;
-    std::size_t Count(std::string_view name) const;
+    std::size_t Count(std::string_view name) const { return CallsOf(name).size(); }
     void Clear() { FCalls.clear(); }
 
     // The recorder whose fakes are in place, nullptr when none.
@@ -89,12 +85,9 @@ void AddArg(GlCall& call, T value)
     if constexpr (std::is_pointer_v<T> || std::is_null_pointer_v<T>) {
         call.Args.push_back(static_cast<double>(reinterpret_cast<std::uintptr_t>(value)));
         call.Kinds.push_back(GlArgKind::Pointer);
-    } else if constexpr (std::is_floating_point_v<T>) {
-        call.Args.push_back(static_cast<double>(value));
-        call.Kinds.push_back(GlArgKind::Real);
     } else {
         call.Args.push_back(static_cast<double>(value));
-        call.Kinds.push_back(GlArgKind::Integer);
+        call.Kinds.push_back(std::is_floating_point_v<T> ? GlArgKind::Real : GlArgKind::Integer);
     }
 }
 
@@ -118,20 +111,15 @@ struct GlRecorder::Fake<Slot, R (*)(A...)> {
     }
 };
 
-template <auto* Slot>
-void GlRecorder::Record()
+template <auto* Slot, typename F>
+void GlRecorder::Record(F behaviour)
 {
-    using F = Fake<Slot>;
-    F::Behaviour = nullptr;
-    Swap(Slot, reinterpret_cast<void*>(&F::Call), [] { F::Behaviour = nullptr; });
-}
-
-template <auto* Slot, typename Fn>
-void GlRecorder::Record(Fn behaviour)
-{
-    using F = Fake<Slot>;
-    F::Behaviour = std::move(behaviour);
-    Swap(Slot, reinterpret_cast<void*>(&F::Call), [] { F::Behaviour = nullptr; });
+    using Fk = Fake<Slot>;
+    if constexpr (std::is_null_pointer_v<F>)
+        Fk::Behaviour = nullptr;
+    else
+        Fk::Behaviour = std::move(behaviour);
+    Swap(Slot, reinterpret_cast<void*>(&Fk::Call), [] { Fk::Behaviour = nullptr; });
 }
 
 }  // namespace orvane::testing
