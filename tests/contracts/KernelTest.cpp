@@ -376,7 +376,8 @@ TEST(KernelMessages, EveryRefusalSaysWhatIsWrong)
     const TDynPoints3D net{{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {1, 1, 0}};
     TGeSpline3D space(3, 2);
     const TFlatFunction flat;
-    const TGeTrimmedSurface foreign(std::make_unique<TFlatFunction>(), std::make_unique<TGeLine2D>(TPoint2D{0, 0}, TPoint2D{1, 0}));
+    const TGeTrimmedSurface foreign(std::make_unique<TFlatFunction>(),
+                                    std::make_unique<TGeLine2D>(TPoint2D{0, 0}, TPoint2D{1, 0}));
     const std::pair<std::function<void()>, const char*> cases[] = {
         {[&] { TGeSpline2D(0, {0, 1, 2, 3}, four); }, "TGeSpline2D: degree is 0; it must be at least 1"},
         {[&] { TGeSpline2D(2, {0, 0, 0, 1, 1, 1}, four); }, "TGeSpline2D: 6 knots; 4 control points of degree 2 need 7"},
@@ -394,7 +395,8 @@ TEST(KernelMessages, EveryRefusalSaysWhatIsWrong)
         {[&] { TGeSpline2D(3, cubic, four, {1, 1, 0, 1}); },
          "TGeSpline2D: the weight of control point 2 is 0; weights must be positive and finite"},
         {[&] { TGeSpline2D(3, cubic, four, {1, 1, 1}); }, "TGeSpline2D: 3 weights given; 4 or none expected"},
-        {[&] { TGeSpline2D(3, {0, 0, 0, 1, 1, 1}, {{0, 0}, {1, 0}}); }, "TGeSpline2D: 2 control points; degree 3 needs at least 4"},
+        {[&] { TGeSpline2D(3, {0, 0, 0, 1, 1, 1}, {{0, 0}, {1, 0}}); },
+         "TGeSpline2D: 2 control points; degree 3 needs at least 4"},
         {[&] { TDynPoints2D out; Wave().GetTolPoints(0, out); }, "TGeSpline2D: the tolerance is 0; it must be positive"},
         {[] { TGeLine2D({0, NAN}, {1, 1}); }, "TGeLine2D: control point 0 is not finite"},
         {[] {
@@ -418,7 +420,8 @@ TEST(KernelMessages, EveryRefusalSaysWhatIsWrong)
         {[&] { TGeNurbsSurface(2, 2, 1, 1, lin, lin, {{0, 0, 0}, {0, 1, NAN}, {1, 0, 0}, {1, 1, 0}}); },
          "TGeNurbsSurface: control point (0, 1) is not finite"},
         {[] { TGeNurbsSurfaceExt(nullptr); }, "TGeNurbsSurfaceExt: the wrapped surface is missing"},
-        {[] { TGeTrimmedSurface(std::make_unique<TFlatFunction>(), nullptr); }, "TGeTrimmedSurface: the outer boundary is missing"},
+        {[] { TGeTrimmedSurface(std::make_unique<TFlatFunction>(), nullptr); },
+         "TGeTrimmedSurface: the outer boundary is missing"},
         {[] { TGeTrimmedSurface(nullptr, std::make_unique<TGeLine2D>(TPoint2D{}, TPoint2D{})); },
          "TGeTrimmedSurface: the base surface is missing"},
         {[&] { SurfaceArea(flat); }, "SurfaceArea: the surface is no NURBS surface"},

@@ -316,7 +316,8 @@ TEST(QuadTool, HandMadeRegionsKeepEveryPropertyAndTheirArea)
          0.3, 0.4, NAN, -1},
         {"bow tie", {{{0, 0}, {2, 2}, {2, 0}, {0, 2}}}, 0.3, 0.3, 2.0, -1},
         // Breakpoints within ulps of column lines and rows merge instead of making slivers.
-        {"near lines", {{{0, 0}, {0.5 + e, 0.3}, {1, 0}, {1, 1 + e}, {0.25 - e, 0.5 - e}, {0.25 + e, 1}, {0, 1}}}, 0.25, 0.25, NAN, -1},
+        {"near lines", {{{0, 0}, {0.5 + e, 0.3}, {1, 0}, {1, 1 + e}, {0.25 - e, 0.5 - e}, {0.25 + e, 1}, {0, 1}}},
+         0.25, 0.25, NAN, -1},
         {"circle with hole", {Circle(0, 0, 1, 40), Square(-0.3, -0.2, 0.4, 0.1)}, 0.3, 0.2, NAN, 7},
     };
     for (const Case& c : cases) {
@@ -339,7 +340,8 @@ TEST(QuadTool, HandMadeRegionsKeepEveryPropertyAndTheirArea)
     // The square: rows and columns of rectangles, column by column upwards, P0 top-left.
     const std::vector<Quad> quads = QuadsOf(*Quads({Square(0, 0, 1, 1)}, 0.25, 0.25));
     ASSERT_EQ(quads.size(), 16u);
-    ExpectSameQuads({quads[0], quads[3]}, {{{{0, 0.25}, {0.25, 0.25}, {0.25, 0}, {0, 0}}}, {{{0, 1}, {0.25, 1}, {0.25, 0.75}, {0, 0.75}}}});
+    ExpectSameQuads({quads[0], quads[3]},
+                    {{{{0, 0.25}, {0.25, 0.25}, {0.25, 0}, {0, 0}}}, {{{0, 1}, {0.25, 1}, {0.25, 0.75}, {0, 0.75}}}});
     for (const Quad& q : QuadsOf(*Quads(cases[5].Loops, 0.25, 0.25))) {
         EXPECT_GT(q.P[1].X - q.P[0].X, 1e-6);
         for (double side : {q.P[0].Y - q.P[3].Y, q.P[1].Y - q.P[2].Y}) EXPECT_TRUE(side == 0 || side > 1e-9) << side;

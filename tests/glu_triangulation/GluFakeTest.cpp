@@ -76,7 +76,8 @@ TEST(GluFake, CallsOfPlainAndTrimmedSurfaces)
     EXPECT_THAT(Mesh(tri, *Trimmed(MakeGridSurface(2, 2, 3, 3, 10, 10), MakeLineLoop(kUnitSquare), std::move(holes))),
                 ElementsAre(0, 0, 0, 1, 0, 0, 0, 1, 0));
     const std::string loop = "BeginTrim PwlCurve PwlCurve PwlCurve PwlCurve EndTrim ";
-    EXPECT_EQ(glu.Sequence(), start + "NurbsProperty NurbsProperty NurbsSurface " + loop + loop + "EndSurface DeleteNurbsRenderer");
+    EXPECT_EQ(glu.Sequence(),
+              start + "NurbsProperty NurbsProperty NurbsSurface " + loop + loop + "EndSurface DeleteNurbsRenderer");
     EXPECT_THAT(glu.PropertyValues(gl::GLU_SAMPLING_TOLERANCE), ElementsAre(60, 5));
     EXPECT_THAT(glu.PropertyValues(gl::GLU_SAMPLING_METHOD), ElementsAre(gl::GLU_PATH_LENGTH));
     ASSERT_EQ(glu.TrimCurves.size(), 8u);
@@ -275,7 +276,8 @@ TEST(GluTrimCurves, CurvesAreTypedSampledByLengthAndThinned)
     count = -1;
     EXPECT_FALSE(T::GetCountNumViaBoundType(TGeSpline2D(1, {0, 0, 0.5, 1, 1}, {{0, 0}, {3, 4}, {6, 0}}), count));
     EXPECT_EQ(count, -1);
-    for (const auto& [length, samples] : {std::pair{25.0, 1000}, {24.9, 999}, {1.0, 43}, {0.0625, 5}, {0.1875, 11}, {0.3125, 15}}) {
+    for (const auto& [length, samples] :
+         {std::pair{25.0, 1000}, {24.9, 999}, {1.0, 43}, {0.0625, 5}, {0.1875, 11}, {0.3125, 15}}) {
         TFixedPointsCurve curve({{0, 0}, {1, 1}}, length);
         TDynGLPointW2D points;
         T::ParamCurve2GLLines(curve, points, 0, 0);

@@ -99,7 +99,8 @@ TEST_F(GluMesa, CallsInARowAreIndependentAndQuadsCoverTheSameSurface)
     EXPECT_EQ(secondNorm, firstNorm);
     EXPECT_LT(between.size(), first.size());
     // The wrapped surface goes out exactly as the surface it wraps.
-    const TGeNurbsSurfaceExt wrapped(std::unique_ptr<TGeNurbsSurface>(static_cast<TGeNurbsSurface*>(MakeShape("torus").release())));
+    const TGeNurbsSurfaceExt wrapped(
+        std::unique_ptr<TGeNurbsSurface>(static_cast<TGeNurbsSurface*>(MakeShape("torus").release())));
     EXPECT_EQ(Mesh(tri, wrapped), first);
 
     const TFloatDynArray quads = Mesh(tri, *torus, true);

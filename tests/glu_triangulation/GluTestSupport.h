@@ -105,13 +105,16 @@ public:
             Surfaces.emplace_back();
             for (int i = 0; i < sCount - sOrder; ++i)
                 for (int j = 0; j < tCount - tOrder; ++j)
-                    Surfaces.back().insert(Surfaces.back().end(), ctrl + i * sStride + j * tStride, ctrl + i * sStride + j * tStride + 4);
+                    Surfaces.back().insert(Surfaces.back().end(), ctrl + i * sStride + j * tStride,
+                                           ctrl + i * sStride + j * tStride + 4);
         });
         Rec.Record<&gluPwlCurve>([this](GLUnurbs*, GLint count, GLfloat* data, GLint stride, GLenum type) {
             TrimCurves.push_back({true, {}, {data, data + count * stride}, stride, 0, type});
         });
-        Rec.Record<&gluNurbsCurve>([this](GLUnurbs*, GLint knotCount, GLfloat* knots, GLint stride, GLfloat* ctrl, GLint order, GLenum type) {
-            TrimCurves.push_back({false, {knots, knots + knotCount}, {ctrl, ctrl + (knotCount - order) * stride}, stride, order, type});
+        Rec.Record<&gluNurbsCurve>([this](GLUnurbs*, GLint knotCount, GLfloat* knots, GLint stride, GLfloat* ctrl,
+                                          GLint order, GLenum type) {
+            TrimCurves.push_back(
+                {false, {knots, knots + knotCount}, {ctrl, ctrl + (knotCount - order) * stride}, stride, order, type});
         });
         Rec.Record<&gluEndSurface>([this](GLUnurbs*) {
             Call<GLenum>(GLU_NURBS_BEGIN, GL_TRIANGLES);

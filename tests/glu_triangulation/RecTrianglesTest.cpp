@@ -145,7 +145,8 @@ TEST(RecTriangles, RefusalsAssertionsAndRangeErrorsAppendNothing)
         [&] { rec.AddSurfaceData(GL_TRIANGLES, five.Vert, shortNorm); },
         [&] { rec.AddSurfaceDataQuad(GL_QUADS, five.Vert, shortNorm); },
     };
-    for (const auto& call : broken) EXPECT_THAT(messageOf(call), MatchesRegex("assertion: Assertion failure \\(uTriangulate, line [0-9]+\\)"));
+    for (const auto& call : broken)
+        EXPECT_THAT(messageOf(call), MatchesRegex("assertion: Assertion failure \\(uTriangulate, line [0-9]+\\)"));
     EXPECT_THROW(rec.AddSurfaceData(GL_TRIANGLE_STRIP, one.Vert, one.Norm), ERangeError);
     EXPECT_THROW(rec.AddSurfaceData(GL_QUAD_STRIP, one.Vert, one.Norm), ERangeError);
     EXPECT_THROW(rec.AddSurfaceDataQuad(GL_TRIANGLE_FAN, one.Vert, one.Norm), ERangeError);

@@ -131,8 +131,10 @@ TEST(SurfaceTriangulatorChecker, ClassifiesShapesTrimmedAndWrappedSurfaces)
     std::vector<Case> cases;
     cases.push_back({"foreign", std::make_unique<TForeignSurface>(), E::NotExtrusion, false, E::UVDir});
     cases.push_back({"null", nullptr, E::NotExtrusion, false, E::UVDir});
-    cases.push_back({"trimmed foreign, tested no further", Trimmed(std::make_unique<TForeignSurface>(true)), E::NotExtrusion, false, E::NotExtrusion});
-    cases.push_back({"trimmed to a point within 1e-6", Trimmed(FlatPatch(2), {{0.5, 0.5}, {0.5, 0.5 + 4e-7}, {0.5, 0.5}}), E::NotExtrusion, false, E::UVDir});
+    cases.push_back({"trimmed foreign, tested no further", Trimmed(std::make_unique<TForeignSurface>(true)),
+                     E::NotExtrusion, false, E::NotExtrusion});
+    cases.push_back({"trimmed to a point within 1e-6", Trimmed(FlatPatch(2), {{0.5, 0.5}, {0.5, 0.5 + 4e-7}, {0.5, 0.5}}),
+                     E::NotExtrusion, false, E::UVDir});
     cases.push_back({"trimmed bilinear", Trimmed(FlatPatch(1)), E::UVDir, true, E::UVDir});
     cases.push_back({"trimmed quadratic", Trimmed(FlatPatch(2)), E::UVDir, false, E::UVDir});
     cases.push_back({"trimmed wrapped", Trimmed(std::make_unique<TGeNurbsSurfaceExt>(FlatPatch(2))), E::UVDir, true, E::VDir});
@@ -288,7 +290,8 @@ TEST(QuadRoadShapes, FullCylinderNormalsAreRadialWithinAThirdOfADegree)
 {
     constexpr double kDegree = std::numbers::pi / 180;
     auto angle = [](const TPoint3D& A, const TPoint3D& B) { return std::atan2(A.CrossMul(B).Length(), A.DotMul(B)); };
-    for (const auto& [name, type] : {std::pair{"cylinder", TExtrusionType::VDir}, {"cylinder-transposed", TExtrusionType::UDir}}) {
+    for (const auto& [name, type] :
+         {std::pair{"cylinder", TExtrusionType::VDir}, {"cylinder-transposed", TExtrusionType::UDir}}) {
         SCOPED_TRACE(name);
         const RoadRun run = RunQuadrilateral(*MakeShape(name));
         ASSERT_EQ(run.Type, type);
@@ -416,7 +419,8 @@ TEST(QuadSurfaceTriangulator, OddViewUnits)
 
     // A unit that is no whole number of quads: its message is shown with the road's name, and
     // the finished units are kept.
-    svc->SetCreateDrawQuads(QuadTool(nullptr, TViewUnitList{QuadUnit(kQuadA), QuadUnit(Join(kQuadB, {{0.5, 0.5}})), QuadUnit(kQuadB)}));
+    svc->SetCreateDrawQuads(
+        QuadTool(nullptr, TViewUnitList{QuadUnit(kQuadA), QuadUnit(Join(kQuadB, {{0.5, 0.5}})), QuadUnit(kQuadB)}));
     const std::string count = "得到四边形划分数据不为4的倍数 \\(uTessQuadsTriangulator, line [0-9]+\\) at do ";
     svc->Quadrilateral(cylinder.get(), a.Tri, a.Norm);
     EXPECT_THAT(a.Tri, SizeIs(12));
