@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <map>
-#include <random>
 #include <vector>
 
 #include "contracts/Interfaces.h"
@@ -72,25 +71,6 @@ TEST(CollectedTriMerge, SharedVerticesAreMergedByTheirBits)
     TFloatDynArray merged;
     ExpectExactMerge(cases[0].V, cases[0].N, &merged);
     EXPECT_EQ(merged, (TFloatDynArray{0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0}));
-}
-
-TEST(CollectedTriMerge, RandomMeshesWithManyRepeatsStayExact)
-{
-    std::mt19937 random(7);
-    // Values with edge bit patterns: signed zeros, last-bit neighbours, a denormal.
-    const std::vector<double> pool{0.0, -0.0, 1.0, std::nextafter(1.0, 2.0), -1.5, 1e-300, 3.0e8,
-                                   std::nextafter(0.0, 1.0), 0.1, 0.1 + 1e-17};
-    for (int round = 0; round < 20; ++round) {
-        std::uniform_int_distribution<std::size_t> pick(0, pool.size() - 1), pickOfThree(0, 2), size(0, 600);
-        // Three values of the pool for this round, so that repeats are common.
-        const std::size_t chosen[3] = {pick(random), pick(random), pick(random)};
-        TFloatDynArray v(9 * size(random)), n(v.size());
-        for (std::size_t i = 0; i < v.size(); ++i) {
-            v[i] = pool[chosen[pickOfThree(random)]];
-            n[i] = pool[chosen[pickOfThree(random)]];
-        }
-        ExpectExactMerge(v, n);
-    }
 }
 
 TEST(CollectedTriMerge, QuadRoadMeshesOfEveryShapeLoseNoTriangle)

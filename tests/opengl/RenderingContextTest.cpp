@@ -94,28 +94,6 @@ TEST(RenderingContext, ChosenFormatHasEightBitsAChannelAndIsSetOnce)
     DestroyRenderingContext(rc);
 }
 
-TEST(RenderingContext, CurrentContextAndDeviceContextFollowMakeCurrent)
-{
-    testing::OffscreenGL first(4, 4);
-    testing::OffscreenGL second(8, 8);
-    for (const testing::OffscreenGL* gl : {&first, &second}) {
-        ASSERT_EQ(wglMakeCurrent(gl->DC(), gl->RC()), 1);
-        EXPECT_EQ(wglGetCurrentContext(), gl->RC());
-        EXPECT_EQ(wglGetCurrentDC(), gl->DC());
-        GLint viewport[4] = {};
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        EXPECT_EQ(viewport[2], gl->Width());  // the state of that context
-    }
-    int notADeviceContext = 0;
-    EXPECT_EQ(wglMakeCurrent(reinterpret_cast<HDC>(&notADeviceContext), first.RC()), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(wglGetCurrentContext(), second.RC());  // still current
-    ASSERT_EQ(wglMakeCurrent(nullptr, nullptr), 1);
-    EXPECT_EQ(wglGetCurrentContext(), nullptr);
-    EXPECT_EQ(wglGetCurrentDC(), nullptr);
-    EXPECT_EQ(DeactivateRenderingContext(), 1);  // none current: nothing to release
-}
-
 TEST(RenderingContext, FailuresAreReportedWithTheirMessages)
 {
     testing::GlTableSnapshot snapshot;
@@ -136,6 +114,11 @@ TEST(RenderingContext, FailuresAreReportedWithTheirMessages)
     EXPECT_EQ(wglCreateContext(unformatted.Handle()), nullptr);
     EXPECT_EQ(LastErrorText(), "The device context has no pixel format");
     EXPECT_EQ(GetPixelFormat(unformatted.Handle()), 0);
+    testing::OffscreenGL gl(4, 4);
+    int notADeviceContext = 0;
+    EXPECT_EQ(wglMakeCurrent(reinterpret_cast<HDC>(&notADeviceContext), gl.RC()), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(wglGetCurrentContext(), gl.RC());  // still current
     const int unknown[] = {0x1234, 1, 0};
     EXPECT_EQ(wglCreateContextAttribsARB(dc.Handle(), nullptr, unknown), nullptr);
     EXPECT_EQ(LastErrorText(), "Unknown context attribute 4660");
