@@ -29,12 +29,14 @@ struct Cluster {
     TPoint3D Sum;
 };
 
-// Vertices for the uses of one point, uses[first, last) (point, use) of one body.
+// Vertices for the uses of one point, uses[first, last) (point, use) of one body; clusters is
+// scratch space, kept by the caller so that a million points make no million allocations.
 void WeldPoint(const std::vector<std::pair<int, int>>& uses, std::size_t first, std::size_t last,
-               const std::vector<const TPoint3D*>& normalOfUse, WeldedBody& body, std::vector<int>& vertexOfUse)
+               const std::vector<const TPoint3D*>& normalOfUse, WeldedBody& body, std::vector<int>& vertexOfUse,
+               std::vector<Cluster>& clusters)
 {
     static const double smooth = std::cos(kSmoothAngleDegrees * std::numbers::pi / 180.0);
-    std::vector<Cluster> clusters;
+    clusters.clear();
     const int base = static_cast<int>(body.Points.size());
     for (std::size_t k = first; k < last; ++k) {
         const TPoint3D& n = *normalOfUse[static_cast<std::size_t>(uses[k].second)];
@@ -64,9 +66,10 @@ WeldedBody WeldBody(const std::vector<const FaceMesh*>& faces, int solid)
         }
     std::sort(uses.begin(), uses.end());
     std::vector<int> vertexOfUse(uses.size());
+    std::vector<Cluster> clusters;
     for (std::size_t i = 0, j = 0; i < uses.size(); i = j) {
         while (j < uses.size() && uses[j].first == uses[i].first) ++j;
-        WeldPoint(uses, i, j, normalOfUse, body, vertexOfUse);
+        WeldPoint(uses, i, j, normalOfUse, body, vertexOfUse, clusters);
     }
     std::size_t offset = 0;
     for (const FaceMesh* f : faces) {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <fstream>
@@ -155,10 +155,21 @@ std::string ObjName(std::string name)
     return name;
 }
 
+// The shortest text that reads back as the same double.
+void PutNumber(std::string& line, double x)
+{
+    char text[32];
+    line.append(text, std::to_chars(text, text + sizeof text, x).ptr);
+}
+
 void PutTriple(std::ostream& out, const char* tag, const TPoint3D& p)
 {
-    char line[96];
-    std::snprintf(line, sizeof line, "%s %.17g %.17g %.17g\n", tag, p.X, p.Y, p.Z);
+    std::string line = tag;
+    for (const double x : {p.X, p.Y, p.Z}) {
+        line += ' ';
+        PutNumber(line, x);
+    }
+    line += '\n';
     out << line;
 }
 
@@ -193,18 +204,19 @@ ObjNumbers WritePointsAndNormals(std::ostream& out, const WeldedMesh& mesh)
 void PutFace(std::ostream& out, const WeldedBody& body, const ObjNumbers& numbers, long long firstNormal,
              std::initializer_list<int> vertices)
 {
-    std::vector<int> corners;
+    const auto point = [&](int v) { return body.Points[static_cast<std::size_t>(v)]; };
+    std::array<int, 4> corners{};
+    std::size_t count = 0;
     for (const int v : vertices)
-        if (corners.empty() || body.Points[static_cast<std::size_t>(v)] != body.Points[static_cast<std::size_t>(corners.back())])
-            corners.push_back(v);
-    while (corners.size() > 1 && body.Points[static_cast<std::size_t>(corners.back())] == body.Points[static_cast<std::size_t>(corners[0])])
-        corners.pop_back();
-    if (corners.size() < 3) return;
-    out << 'f';
-    for (const int v : corners)
-        out << ' ' << numbers.Point[static_cast<std::size_t>(body.Points[static_cast<std::size_t>(v)])] << "//"
-            << firstNormal + v;
-    out << '\n';
+        if (count == 0 || point(v) != point(corners[count - 1])) corners[count++] = v;
+    while (count > 1 && point(corners[count - 1]) == point(corners[0])) --count;
+    if (count < 3) return;
+    std::string line = "f";
+    for (std::size_t k = 0; k < count; ++k)
+        line += ' ' + std::to_string(numbers.Point[static_cast<std::size_t>(point(corners[k]))]) + "//" +
+                std::to_string(firstNormal + corners[k]);
+    line += '\n';
+    out << line;
 }
 
 // The face's triangles; with quads, each pair (a, b, c), (a, c, d) that QuadStarts names as

@@ -24,9 +24,10 @@ struct ObjOptions {
     bool Quads = false;   // each quad of the quad road as one 4-vertex face
 };
 
-// Wavefront OBJ: the model's points used as `v` lines in full double precision (%.17g reads
-// back bit for bit), the vertices' normals as `vn` lines, then per body `o` and per face `g`
-// (names with blanks turned into '_', as OBJ splits names at blanks), its faces `f v//vn`.
+// Wavefront OBJ: the model's points used as `v` lines in full double precision (the shortest
+// text that reads back bit for bit), the vertices' normals as `vn` lines, then per body `o`
+// and per face `g` (names with blanks turned into '_', as OBJ splits names at blanks), its
+// faces `f v//vn`.
 // A face whose corners repeat a point (at a pole) loses the repeat, and is left out when fewer
 // than three corners remain.
 void WriteObj(const std::string& Path, const WeldedMesh& Mesh, const ObjOptions& Options);

@@ -12,6 +12,7 @@ namespace {
 void CountEdges(const WeldedBody& body, SolidCheck& check)
 {
     std::vector<std::uint64_t> edges;
+    for (const WeldedFace& f : body.Faces) edges.reserve(edges.size() + 3 * f.Triangles.size());
     for (const WeldedFace& f : body.Faces)
         for (const std::array<int, 3>& t : f.Triangles)
             for (int k = 0; k < 3; ++k) {
