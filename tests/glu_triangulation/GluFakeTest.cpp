@@ -1,6 +1,6 @@
-// The GLU road through a fake GLU renderer: what reaches gluNurbsSurface and the trim calls,
-// the primitives played back through the callbacks, the sampling tolerance a surface gets,
-// and how trim curves are typed, sampled and thinned.
+// The GLU road through a fake GLU renderer: the GLU calls and properties of plain and trimmed
+// surfaces, what gives nothing, which instance the callbacks reach, the sampling tolerance a
+// trimmed surface gets, and how trim loops are dropped and trim curves typed, sampled and thinned.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,6 @@ namespace {
 
 using namespace orvane::testing;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 namespace gl = dglOpenGL;
