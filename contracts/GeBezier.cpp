@@ -138,7 +138,9 @@ double PieceLength(const TBezier2D& B)
         const double x = h.X / h.Z, y = h.Y / h.Z;
         return std::hypot((dh.X - dh.Z * x) / h.Z, (dh.Y - dh.Z * y) / h.Z);
     };
-    return extent * IntegrateBounded(speed, 0.0, 1.0, kLengthRelTol * polygon, kLengthMaxIntervals);
+    const double length = IntegrateBounded(speed, 0.0, 1.0, kLengthRelTol * polygon, kLengthMaxIntervals);
+    // Weights so far apart that the speed overflows: the control polygon bounds the length.
+    return extent * (std::isfinite(length) ? length : polygon);
 }
 
 }  // namespace
