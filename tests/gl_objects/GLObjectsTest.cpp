@@ -31,20 +31,17 @@ struct FakeDriver {
 
     FakeDriver()
     {
+        Rec.RecordAll<&glBindVertexArray, &glBindBuffer, &glBufferData, &glBufferSubData, &glDeleteShader,
+                      &glCompileShader, &glDeleteProgram, &glAttachShader, &glDetachShader, &glLinkProgram,
+                      &glUseProgram>();
         Rec.Record<&glGenVertexArrays>([this](GLsizei, GLuint* names) { names[0] = NextName++; });
         Rec.Record<&glGenBuffers>([this](GLsizei, GLuint* names) { names[0] = NextName++; });
         Rec.Record<&glDeleteVertexArrays>([this](GLsizei, const GLuint* names) { Deleted.push_back(names[0]); });
         Rec.Record<&glDeleteBuffers>([this](GLsizei, const GLuint* names) { Deleted.push_back(names[0]); });
-        Rec.Record<&glBindVertexArray>();
-        Rec.Record<&glBindBuffer>();
-        Rec.Record<&glBufferData>();
-        Rec.Record<&glBufferSubData>();
         Rec.Record<&glCreateShader>([this](GLenum) { return NextShader++; });
-        Rec.Record<&glDeleteShader>();
         Rec.Record<&glShaderSource>([this](GLuint, GLsizei, const GLchar* const* text, const GLint*) {
             Sources.emplace_back(text[0]);
         });
-        Rec.Record<&glCompileShader>();
         Rec.Record<&glGetShaderiv>([this](GLuint, GLenum, GLint* status) { if (WriteStatus) *status = CompileStatus; });
         Rec.Record<&glGetShaderInfoLog>([this](GLuint, GLsizei limit, GLsizei*, GLchar* buffer) {
             const std::size_t n = std::min(Log.size(), static_cast<std::size_t>(limit - 1));
@@ -52,12 +49,7 @@ struct FakeDriver {
             buffer[n] = 0;
         });
         Rec.Record<&glCreateProgram>([this] { return ProgramName; });
-        Rec.Record<&glDeleteProgram>();
-        Rec.Record<&glAttachShader>();
-        Rec.Record<&glDetachShader>();
-        Rec.Record<&glLinkProgram>();
         Rec.Record<&glGetProgramiv>([this](GLuint, GLenum, GLint* status) { if (WriteStatus) *status = 1; });
-        Rec.Record<&glUseProgram>();
     }
 };
 

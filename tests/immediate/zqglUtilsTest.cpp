@@ -102,19 +102,9 @@ TEST(zqglUtils, ShapesAndPolylinesGoAsInterleavedArraysOfWholeVertices)
 TEST(zqglUtils, ColoursWidthsPointsAndIntegerOrPointerArrays)
 {
     GlRecorder rec;
-    rec.Record<&gl::glColor3ub>();
-    rec.Record<&gl::glClearColor>();
-    rec.Record<&gl::glBegin>();
-    rec.Record<&gl::glEnd>();
-    rec.Record<&gl::glVertex2i>();
-    rec.Record<&gl::glVertex3d>();
-    rec.Record<&gl::glPointSize>();
-    rec.Record<&gl::glLineWidth>();
-    rec.Record<&gl::glVertexPointer>();
-    rec.Record<&gl::glNormalPointer>();
-    rec.Record<&gl::glDrawArrays>();
-    rec.Record<&gl::glInterleavedArrays>();
-    rec.Record<&gl::glEnableClientState>();
+    rec.RecordAll<&gl::glColor3ub, &gl::glClearColor, &gl::glBegin, &gl::glEnd, &gl::glVertex2i, &gl::glVertex3d,
+                  &gl::glPointSize, &gl::glLineWidth, &gl::glVertexPointer, &gl::glNormalPointer, &gl::glDrawArrays,
+                  &gl::glInterleavedArrays, &gl::glEnableClientState>();
     zqglSetColor(0x0000FF);
     zqglSetColor(0xFFFF00);
     zqglSetColor(0xAB0000FF);
@@ -143,11 +133,7 @@ TEST(zqglUtils, ColoursWidthsPointsAndIntegerOrPointerArrays)
 TEST(zqglUtils, BezierCurvesRunOverZeroToSteps)
 {
     GlRecorder rec;
-    rec.Record<&gl::glMap1d>();
-    rec.Record<&gl::glEnable>();
-    rec.Record<&gl::glDisable>();
-    rec.Record<&gl::glMapGrid1d>();
-    rec.Record<&gl::glEvalMesh1>();
+    rec.RecordAll<&gl::glMap1d, &gl::glEnable, &gl::glDisable, &gl::glMapGrid1d, &gl::glEvalMesh1>();
     const TDynPoints3D points = {{0, 0, 0}, {1, 1, 0}, {2, 1, 0}, {3, 0, 0}, {4, 0, 0}, {5, 1, 0}, {6, 1, 0}, {7, 0, 0}};
     zqglDrawBezier(points, 10);
     const std::string map = "glMap1d(" + N(gl::GL_MAP1_VERTEX_3) + ", 0, 10, 3, ";
@@ -169,13 +155,8 @@ TEST(zqglUtils, BezierCurvesRunOverZeroToSteps)
 TEST(zqglUtils, TextureQuadsLeaveTexturingOnNurbsRendererAndFloatArrays)
 {
     GlRecorder rec;
-    rec.Record<&gl::glEnable>();
-    rec.Record<&gl::glDisable>();
-    rec.Record<&gl::glBindTexture>();
-    rec.Record<&gl::glBegin>();
-    rec.Record<&gl::glEnd>();
-    rec.Record<&gl::glTexCoord2d>();
-    rec.Record<&gl::glVertex3d>();
+    rec.RecordAll<&gl::glEnable, &gl::glDisable, &gl::glBindTexture, &gl::glBegin, &gl::glEnd, &gl::glTexCoord2d,
+                  &gl::glVertex3d>();
     rec.Record<&gl::gluNewNurbsRenderer>([] { return reinterpret_cast<gl::GLUnurbs*>(0x40); });
     rec.Record<&gl::gluNurbsProperty>();
     zqglDrawTexture({}, {}, 5, false);

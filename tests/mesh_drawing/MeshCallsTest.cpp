@@ -45,32 +45,20 @@ struct FakeMeshGL {
 
     FakeMeshGL()
     {
+        Rec.RecordAll<&glDeleteVertexArrays, &glDeleteBuffers, &glBindVertexArray, &glBindBuffer, &glBufferData,
+                      &glVertexAttribPointer, &glEnableVertexAttribArray, &glDeleteShader, &glShaderSource,
+                      &glCompileShader, &glGetShaderInfoLog, &glDeleteProgram, &glAttachShader, &glDetachShader,
+                      &glLinkProgram, &glGetProgramInfoLog, &glUseProgram, &glMatrixMode, &glPushMatrix, &glPopMatrix,
+                      &glDrawArrays, &glDrawElements>();
         for (int i = 0; i < 16; ++i) ModelView[i] = float(i + 1), Projection[i] = float(101 + i);
         Rec.Record<&glGenVertexArrays>([this](GLsizei, GLuint* names) { names[0] = NextVertexArray++; });
         Rec.Record<&glGenBuffers>([this](GLsizei, GLuint* names) { names[0] = NextBuffer++; });
         Rec.Record<&glGenerateMipmap>();  // set, so that loading the extensions finds nothing to do
-        Rec.Record<&glDeleteVertexArrays>();
-        Rec.Record<&glDeleteBuffers>();
-        Rec.Record<&glBindVertexArray>();
-        Rec.Record<&glBindBuffer>();
-        Rec.Record<&glBufferData>();
-        Rec.Record<&glVertexAttribPointer>();
-        Rec.Record<&glEnableVertexAttribArray>();
         Rec.Record<&glCreateShader>([this](GLenum) { return NextShader++; });
-        Rec.Record<&glDeleteShader>();
-        Rec.Record<&glShaderSource>();
-        Rec.Record<&glCompileShader>();
         Rec.Record<&glGetShaderiv>([](GLuint, GLenum, GLint* status) { *status = 1; });
-        Rec.Record<&glGetShaderInfoLog>();
         Rec.Record<&glCreateProgram>([] { return 7u; });
-        Rec.Record<&glDeleteProgram>();
         Rec.Record<&glGetAttachedShaders>([](GLuint, GLsizei, GLsizei* count, GLuint*) { *count = 0; });
-        Rec.Record<&glAttachShader>();
-        Rec.Record<&glDetachShader>();
-        Rec.Record<&glLinkProgram>();
         Rec.Record<&glGetProgramiv>([](GLuint, GLenum, GLint* status) { *status = 1; });
-        Rec.Record<&glGetProgramInfoLog>();
-        Rec.Record<&glUseProgram>();
         Rec.Record<&glGetUniformLocation>([this](GLuint, const GLchar* name) {
             auto at = std::find(LocationNames.begin(), LocationNames.end(), name);
             if (at == LocationNames.end()) at = LocationNames.insert(at, name);
@@ -80,16 +68,11 @@ struct FakeMeshGL {
         Rec.Record<&glUniform1i>([this](GLint at, GLint v) { Uniforms[NameAt(at)] = {float(v)}; });
         Rec.Record<&glUniformMatrix4fv>([this](GLint at, GLsizei, GLboolean t, const GLfloat* m) { Matrix(at, t, m, 16); });
         Rec.Record<&glUniformMatrix3fv>([this](GLint at, GLsizei, GLboolean t, const GLfloat* m) { Matrix(at, t, m, 9); });
-        Rec.Record<&glMatrixMode>();
-        Rec.Record<&glPushMatrix>();
-        Rec.Record<&glPopMatrix>();
         Rec.Record<&glMultMatrixf>([this](const GLfloat* m) { std::copy(m, m + 16, Multiplied.begin()); });
         Rec.Record<&glGetFloatv>([this](GLenum which, GLfloat* m) {
             const auto& source = which == GL_PROJECTION_MATRIX ? Projection : ModelView;
             std::copy(source.begin(), source.end(), m);
         });
-        Rec.Record<&glDrawArrays>();
-        Rec.Record<&glDrawElements>();
     }
 };
 

@@ -197,9 +197,7 @@ TEST(QuickReadExtensions, ReadsOnlyWhileAVariableOfTheTestIsNil)
     ASSERT_TRUE(InitOpenGL("libGL.so.1", "libGLU.so.1"));
     GL_LibHandle = nullptr;  // every lookup now goes through wglGetProcAddress
     GlRecorder rec;
-    rec.Record<&dglOpenGL::wglGetProcAddress>();
-    rec.Record<&glGenBuffers>();
-    rec.Record<&glGenerateMipmap>();
+    rec.RecordAll<&dglOpenGL::wglGetProcAddress, &glGenBuffers, &glGenerateMipmap>();
     ExtensionsRead = false;
     QuickReadExtensions();
     EXPECT_EQ(rec.Count("wglGetProcAddress"), 0u);

@@ -44,6 +44,9 @@ public:
     // after the call is recorded and gives the result; without one the result is zero.
     template <auto* Slot, typename F = std::nullptr_t>
     void Record(F behaviour = nullptr);
+    // Records each of the variables, without behaviour.
+    template <auto*... Slots>
+    void RecordAll() { (Record<Slots>(), ...); }
 
     const std::vector<GlCall>& Calls() const { return FCalls; }
     std::vector<std::string> Names() const;
