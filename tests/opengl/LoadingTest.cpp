@@ -1,20 +1,24 @@
-// Loading OpenGL and GLU: the libraries, the legacy units, which entry points a context
-// gets, the unit start; the recording fakes that other tests build on; a triangle on Mesa.
+// Loading OpenGL and GLU: the libraries, the legacy units, which entry points a context gets,
+// the unit start, the hand-written GLU function types; the recording fakes other tests build on.
 #include <gtest/gtest.h>
 
+#include <cxxabi.h>
 #include <dlfcn.h>
 #include <fenv.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <set>
 #include <string>
+#include <typeinfo>
 
 #include "opengl/GL.h"
 #include "opengl/GLu.h"
 #include "opengl/GlRegistry.h"
 #include "opengl/Platform.h"
 #include "opengl/dglOpenGL.h"
+#include "tests/opengl/GluNames.h"
 #include "tests/support/GlRecorder.h"
 #include "tests/support/GlTableSnapshot.h"
 #include "tests/support/MessageCapture.h"
@@ -229,6 +233,29 @@ TEST(UnitStart, MasksFloatingPointExceptionsReadsTheExportsAndStopKeepsTheLibrar
     for (auto& row : m) row.fill(std::nanf(""));
     m.Reset();
     for (int i = 0; i < 16; ++i) EXPECT_EQ(m.Data()[i], i % 5 == 0 ? 1.0f : 0.0f) << i;
+}
+
+
+// The type in words, without the namespace of the opaque GLU records: dglOpenGL::GLUnurbs
+// names the same record as the header's GLUnurbs.
+std::string Readable(const char* mangled)
+{
+    int status = 0;
+    char* text = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
+    std::string readable = status == 0 ? text : mangled;
+    std::free(text);
+    for (auto at = readable.find("dglOpenGL::"); at != std::string::npos; at = readable.find("dglOpenGL::"))
+        readable.erase(at, 11);
+    return readable;
+}
+
+TEST(GluTypes, EveryHandWrittenTypeIsTheLibraryHeadersType)
+{
+    const auto header = testing::GluHeaderTypes();
+    ASSERT_EQ(header.size(), 52u);
+#define ORVANE_COMPARE_TYPE(fn) EXPECT_EQ(Readable(typeid(dglOpenGL::T##fn).name()), Readable(header.at(#fn).c_str()));
+    ORVANE_GLU_FUNCTIONS(ORVANE_COMPARE_TYPE)
+#undef ORVANE_COMPARE_TYPE
 }
 
 }  // namespace
