@@ -24,6 +24,9 @@ struct EdgeMarks {
     }
 };
 
+// Two places on a loop closer than this, in segments, are one: they differ by rounding only.
+constexpr double kSameLambda = 1e-9;
+
 double SigmaAt(const LoopSegment& seg, double s)
 {
     return seg.Sigma0 + s * (seg.Sigma1 - seg.Sigma0);
@@ -279,8 +282,9 @@ private:
         std::vector<Place> places;
         for (int j = static_cast<int>(std::floor(from)); j <= static_cast<int>(std::floor(from + span)); ++j) {
             const LoopSegment& seg = loop.Segments[static_cast<std::size_t>(j % m)];
+            // Places within rounding of the ends are the ends themselves.
             auto take = [&](double lambda, double sigma) {
-                if (lambda > from && lambda < from + span) places.push_back({lambda, j % m, sigma});
+                if (lambda > from + kSameLambda && lambda < from + span - kSameLambda) places.push_back({lambda, j % m, sigma});
             };
             take(j, std::nan(""));
             if (seg.Edge < 0) continue;
