@@ -13,6 +13,7 @@
 #include "io/CadFileReader.h"
 #include "io/FaceConverter.h"
 #include "io/ModelMesher.h"
+#include "io/ShapeHealing.h"
 
 namespace orvane::io {
 namespace {
@@ -23,15 +24,22 @@ std::string FaceName(const CadFileReader& reader, const TopoDS_Shape& face, int 
     return "face " + std::to_string(number) + (label.empty() ? "" : " (" + label + ")");
 }
 
-void ConvertOne(const CadFileReader& reader, const TopoDS_Face& face, int number, EdgeTable& edges, int solid,
-                CadModelData& model)
+// For a face skipped for its boundary, what OpenCASCADE's own mesher makes of it.
+std::string BoundaryVerdict(const std::string& reason, const TopoDS_Face& face)
 {
-    const std::string name = FaceName(reader, face, number);
+    const bool boundary = reason.rfind("open trim loop", 0) == 0 || reason.rfind("boundary loop", 0) == 0;
+    return boundary ? KernelMesherVerdict(face) : std::string();
+}
+
+void ConvertOne(const CadFileReader& reader, const HealedShape& healed, const TopoDS_Face& face, int number,
+                EdgeTable& edges, int solid, CadModelData& model)
+{
+    const std::string name = FaceName(reader, healed.Original(face), number);
     try {
         model.Faces.push_back(ConvertFace(face, number, name, edges));
         model.Faces.back().Solid = solid;
     } catch (const EFaceSkipped& e) {
-        model.Skipped.push_back({number, name, e.what()});
+        model.Skipped.push_back({number, name, e.what() + BoundaryVerdict(e.what(), face)});
     } catch (const Standard_Failure& e) {
         model.Skipped.push_back({number, name, std::string("the geometry library failed: ") + e.DynamicType()->Name()});
     } catch (const std::exception& e) {
@@ -90,7 +98,8 @@ std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedM
 CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance)
 {
     const CadFileReader reader(Path);
-    const TopoDS_Shape& shape = reader.Shape();
+    const HealedShape healed(reader.Shape());
+    const TopoDS_Shape& shape = healed.Shape();
     TopTools_IndexedMapOfShape faces;
     TopExp::MapShapes(shape, TopAbs_FACE, faces);
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
@@ -105,7 +114,7 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
     EdgeTable edges(model.Tolerance);
     for (int i = 1; i <= faces.Extent(); ++i) {
-        ConvertOne(reader, TopoDS::Face(faces(i)), i, edges, solidOf[static_cast<std::size_t>(i - 1)], model);
+        ConvertOne(reader, healed, TopoDS::Face(faces(i)), i, edges, solidOf[static_cast<std::size_t>(i - 1)], model);
         if (Progress) Progress(i, faces.Extent());
     }
     model.Edges = edges.Take();

@@ -33,6 +33,7 @@
 #include <TopoDS_Wire.hxx>
 
 #include "io/FaceValidation.h"
+#include "io/ShapeHealing.h"
 
 namespace orvane::io {
 namespace {
@@ -284,8 +285,53 @@ bool CollapsesOnSurface(const GeomAdaptor_Surface& s, const gp_Pnt2d& a, const g
     return true;
 }
 
-// Closes every joint of the loop, the last onto the first, or raises an open-loop error.
-void CloseJoints(std::vector<LoopCurve>& curves, const GeomAdaptor_Surface& s, int loop)
+// Where the surface's own parameter range ends or wraps: its bounds in a direction that is
+// not periodic, its seams (every whole period from the first parameter) in one that is.
+struct NaturalRange {
+    double First[2] = {0.0, 0.0};
+    double Last[2] = {0.0, 0.0};
+    double Period[2] = {0.0, 0.0};  // 0: not periodic
+
+    explicit NaturalRange(const TopoDS_Face& face)
+    {
+        Handle(Geom_Surface) s = BRep_Tool::Surface(face);
+        while (auto trimmed = Handle(Geom_RectangularTrimmedSurface)::DownCast(s)) s = trimmed->BasisSurface();
+        if (s.IsNull()) return;
+        s->Bounds(First[0], Last[0], First[1], Last[1]);
+        if (s->IsUPeriodic()) Period[0] = s->UPeriod();
+        if (s->IsVPeriodic()) Period[1] = s->VPeriod();
+    }
+
+    // True when x lies within res of a bound or a seam of direction d.
+    bool OnBorder(int d, double x, double res) const
+    {
+        if (Period[d] > 0.0) return std::fabs(std::remainder(x - First[d], Period[d])) <= res;
+        return std::fabs(x - First[d]) <= res || std::fabs(x - Last[d]) <= res;
+    }
+};
+
+// True when the UV segment from a to b is a side the file left out of a loop: it runs along a
+// bound or a seam of the surface's range (a patch whose edge along its border stops short, a
+// loop that ends on the seam), or it crosses the whole range from one bound or seam to the
+// other (a half cylinder given by its two end arcs only).
+bool RunsAlongBorder(const NaturalRange& range, const GeomAdaptor_Surface& s, const gp_Pnt2d& a, const gp_Pnt2d& b,
+                     double tol)
+{
+    const double res[2] = {std::max(s.UResolution(tol), 1e-9), std::max(s.VResolution(tol), 1e-9)};
+    const double pa[2] = {a.X(), a.Y()}, pb[2] = {b.X(), b.Y()};
+    for (int d = 0; d < 2; ++d) {
+        const int other = 1 - d;
+        if (std::fabs(pa[d] - pb[d]) > res[d]) continue;  // not along an iso-line of direction d
+        if (range.OnBorder(d, 0.5 * (pa[d] + pb[d]), res[d])) return true;
+        if (range.OnBorder(other, pa[other], res[other]) && range.OnBorder(other, pb[other], res[other])) return true;
+    }
+    return false;
+}
+
+// Closes every joint of the loop, the last onto the first, or raises an open-loop error. A
+// gap within the edges' tolerance is closed; a gap that collapses to one point on the surface
+// or runs along a bound or a seam of its range is bridged by a segment (a bridge has no edge).
+void CloseJoints(std::vector<LoopCurve>& curves, const GeomAdaptor_Surface& s, const NaturalRange& range, int loop)
 {
     std::vector<LoopCurve> closed;
     for (std::size_t i = 0; i < curves.size(); ++i) {
@@ -296,7 +342,7 @@ void CloseJoints(std::vector<LoopCurve>& curves, const GeomAdaptor_Surface& s, i
         closed.push_back(cur);
         if (std::fabs(end.X() - start.X()) <= s.UResolution(tol) && std::fabs(end.Y() - start.Y()) <= s.VResolution(tol)) {
             closed.back().Curve->SetPole(closed.back().Curve->NbPoles(), start);
-        } else if (CollapsesOnSurface(s, end, start, tol)) {
+        } else if (CollapsesOnSurface(s, end, start, tol) || RunsAlongBorder(range, s, end, start, tol)) {
             closed.push_back({LineCurve(end, start), tol, {}, false});
         } else {
             throw EFaceSkipped(Text("open trim loop: loop ", loop, " has a gap of ", end.Distance(start),
@@ -333,11 +379,12 @@ void Reverse(std::vector<LoopCurve>& curves)
 }
 
 // Poles within rounding outside the surface's range are put on its edge: a loop that runs
-// along a seam or a pole comes out of the conversion a hair outside, and GLU's trimming takes
+// along a seam or a pole comes out of the conversion a hair outside (a periodic surface cut to
+// a whole period comes out of OpenCASCADE a few 1e-8 of it short), and GLU's trimming takes
 // such a loop for one that crosses the boundary.
 void SnapIntoDomain(TPoint2D& p, const TRect2D& d)
 {
-    const double snapU = 1e-9 * std::max(1.0, d.Width()), snapV = 1e-9 * std::max(1.0, d.Height());
+    const double snapU = 1e-6 * std::max(1.0, d.Width()), snapV = 1e-6 * std::max(1.0, d.Height());
     auto snap = [](double& x, double lo, double hi, double tol) {
         if (x < lo && x > lo - tol) x = lo;
         if (x > hi && x < hi + tol) x = hi;
@@ -423,11 +470,23 @@ std::vector<LoopCurve> WireCurves(const TopoDS_Wire& wire, const TopoDS_Face& fa
     return curves;
 }
 
+// Puts the poles of a degenerate edge's curve into the domain: at a pole the surface is one
+// point all along the curve, and a recomputed curve may run anywhere along it, even outside
+// the face's box.
+void KeepInDomain(const Curve2d& c, const TRect2D& d)
+{
+    for (int i = 1; i <= c->NbPoles(); ++i) {
+        const gp_Pnt2d p = c->Pole(i);
+        c->SetPole(i, gp_Pnt2d(std::clamp(p.X(), d.Min.X, d.Max.X), std::clamp(p.Y(), d.Min.Y, d.Max.Y)));
+    }
+}
+
 std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSplineSurface)& s, const TRect2D& domain,
                                  EdgeContext& edges)
 {
     const TopoDS_Face forward = TopoDS::Face(face.Oriented(TopAbs_FORWARD));
     GeomAdaptor_Surface adaptor(s);
+    const NaturalRange range(forward);
     std::vector<std::vector<LoopCurve>> loops;
     std::vector<double> areas;
     for (TopoDS_Iterator it(forward); it.More(); it.Next()) {
@@ -437,8 +496,10 @@ std::vector<TrimLoopData> Loops(const TopoDS_Face& face, const Handle(Geom_BSpli
         const int number = static_cast<int>(loops.size()) + 1;
         std::vector<LoopCurve> curves = WireCurves(TopoDS::Wire(it.Value()), forward, number);
         if (curves.empty()) continue;
+        for (LoopCurve& c : curves)
+            if (BRep_Tool::Degenerated(c.Edge)) KeepInDomain(c.Curve, domain);
         Chain(curves);
-        CloseJoints(curves, adaptor, number);
+        CloseJoints(curves, adaptor, range, number);
         areas.push_back(SignedArea(curves));
         loops.push_back(std::move(curves));
     }
@@ -497,6 +558,8 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, E
     Handle(Geom_BSplineSurface) s = DirectNurbs(face);
     if (s.IsNull()) {
         converted = NurbsFace(face, edges.Original);
+        // The recomputed trim curves may stray a little outside the NURBS form's range.
+        FitTrimCurvesIntoRange(converted);
         s = BSplineOf(converted, face);
     }
     double u0, u1, v0, v1;
@@ -509,6 +572,9 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, E
     f.Loops = Loops(converted, s, f.Surface.Domain(), edges);
     f.Bounds = SampleDerivatives(s);
     f.ExactArea = FaceArea(face);
+    // What the meshers would refuse is refused here, where the reader can say what
+    // OpenCASCADE's own mesher makes of the face.
+    if (auto problem = FindFaceProblem(f, 1e-9); !problem.empty()) throw EFaceSkipped(problem);
     return f;
 }
 

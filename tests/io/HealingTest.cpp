@@ -1,0 +1,81 @@
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <BRepBndLib.hxx>
+#include <Bnd_Box.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopoDS.hxx>
+#include <gtest/gtest.h>
+
+#include "io/EdgeTable.h"
+#include "io/FaceConverter.h"
+#include "io/ModelMesher.h"
+#include "io/ShapeHealing.h"
+#include "tests/io/MeshChecks.h"
+#include "tests/io/parts/FaultyParts.h"
+#include "tests/io/parts/TestShapes.h"
+
+namespace orvane::io {
+namespace {
+
+using namespace orvane::io::testing;
+
+struct Meshed {
+    std::vector<std::string> Skipped;  // reasons, from the reader and the road
+    double Area = 0.0;
+};
+
+// The face healed, converted and meshed on the quad road at the default tolerance, as
+// ReadCadModel and MeshModel do with the faces of a file.
+Meshed HealAndMesh(const TopoDS_Face& face)
+{
+    const HealedShape healed(face);
+    CadModelData model;
+    Bnd_Box box;
+    BRepBndLib::Add(healed.Shape(), box);
+    double x0, y0, z0, x1, y1, z1;
+    box.Get(x0, y0, z0, x1, y1, z1);
+    model.Box = {{x0, y0, z0}, {x1, y1, z1}};
+    model.Tolerance = DefaultTolerance(model);
+    EdgeTable edges(model.Tolerance);
+    Meshed out;
+    int number = 0;
+    for (TopExp_Explorer ex(healed.Shape(), TopAbs_FACE); ex.More(); ex.Next()) {
+        try {
+            model.Faces.push_back(ConvertFace(TopoDS::Face(ex.Current()), ++number, "face", edges));
+        } catch (const EFaceSkipped& e) {
+            out.Skipped.push_back(e.what());
+        }
+    }
+    model.Edges = edges.Take();
+    const ModelMesh mesh = MeshModel(model, {});
+    for (const SkippedFace& s : mesh.Skipped) out.Skipped.push_back(s.Reason);
+    TFloatDynArray tri, norm;
+    JoinFaces(mesh, tri, norm);
+    out.Area = MeshArea(tri);
+    return out;
+}
+
+// Faces whose boundary as stored cannot be converted as it stands: each is healed and
+// converted, and its mesh covers the region its sound twin bounds, no more and no less.
+TEST(Healing, FacesWithFaultyBoundariesAreConvertedWithTheirExactArea)
+{
+    const struct {
+        const char* Fault;
+        std::function<TopoDS_Face(bool)> Make;
+    } cases[] = {
+        {"a trim curve a little outside the surface's range", StrayingCurvePatch},
+        {"a side a whole period away across the seam", ShiftedSeamBand},
+        {"a loop whose sides along the surface's border are missing", HalfCylinderWithoutSides},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Fault);
+        const Meshed meshed = HealAndMesh(c.Make(true));
+        for (const std::string& reason : meshed.Skipped) ADD_FAILURE() << "skipped: " << reason;
+        EXPECT_NEAR(meshed.Area / ExactArea(c.Make(false)), 1.0, 0.005);
+    }
+}
+
+}  // namespace
+}  // namespace orvane::io
