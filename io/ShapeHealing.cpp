@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <vector>
 
+#include <BRepAdaptor_Curve.hxx>
 #include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_Copy.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
@@ -17,7 +19,10 @@
 #include <Geom_RectangularTrimmedSurface.hxx>
 #include <Geom_Surface.hxx>
 #include <Precision.hxx>
+#include <ShapeAnalysis_Curve.hxx>
+#include <ShapeBuild_Edge.hxx>
 #include <ShapeBuild_ReShape.hxx>
+#include <ShapeFix_Edge.hxx>
 #include <ShapeFix_Face.hxx>
 #include <ShapeFix_Shape.hxx>
 #include <ShapeFix_Wire.hxx>
@@ -25,6 +30,9 @@
 #include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_IndexedMapOfShape.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS_Iterator.hxx>
+#include <TopoDS_Wire.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Edge.hxx>
 
@@ -107,6 +115,175 @@ void ConfigureFix(ShapeFix_Shape& fix)
     wire->FixSelfIntersectionMode() = 0;
 }
 
+
+// --- Spikes ----------------------------------------------------------------------------------
+
+// One use of an edge in a wire, in the direction the wire runs.
+struct EdgeUse {
+    TopoDS_Edge Edge;
+    bool Reversed = false;
+    double First = 0.0, Last = 0.0;  // the edge's range
+    double Start() const { return Reversed ? Last : First; }
+    double End() const { return Reversed ? First : Last; }
+};
+
+// Where B, from its start, runs back along A's end: the parameters on A and B where B leaves
+// A (3D distance above tol), or false when B turns away at once, or retraces A or B whole.
+bool FindSpike(const EdgeUse& a, const EdgeUse& b, double tol, double& atA, double& atB)
+{
+    const BRepAdaptor_Curve ca(a.Edge), cb(b.Edge);
+    gp_Pnt pa, pb;
+    gp_Vec ta, tb;
+    ca.D1(a.End(), pa, ta);
+    cb.D1(b.Start(), pb, tb);
+    if (a.Reversed) ta.Reverse();
+    if (b.Reversed) tb.Reverse();
+    if (ta.Magnitude() < gp::Resolution() || tb.Magnitude() < gp::Resolution() || pa.Distance(pb) > tol) return false;
+    if (ta.Normalized().Dot(tb.Normalized()) > -0.95) return false;  // no turn back
+    const ShapeAnalysis_Curve analysis;
+    // The distance from A of B's point at t, and the parameter of its foot on A.
+    auto offA = [&](double t, double& foot) {
+        gp_Pnt projected;
+        return analysis.Project(ca, cb.Value(t), Precision::Confusion(), projected, foot, Standard_False);
+    };
+    const int n = 64;
+    double onA = a.End(), last = b.Start();
+    int k = 1;
+    for (; k <= n; ++k) {
+        const double t = b.Start() + (b.End() - b.Start()) * k / n;
+        double foot = onA;
+        if (offA(t, foot) > tol) break;
+        onA = foot;
+        last = t;
+    }
+    if (k == 1 || k > n) return false;
+    // Where between the last sample on A and the first off it B leaves A.
+    double off = b.Start() + (b.End() - b.Start()) * k / n;
+    for (int i = 0; i < 30; ++i) {
+        const double mid = 0.5 * (last + off);
+        double foot = onA;
+        if (offA(mid, foot) > tol) {
+            off = mid;
+        } else {
+            last = mid;
+            onA = foot;
+        }
+    }
+    // A's kept part must not vanish: the spike ends inside A.
+    const double keep = a.Reversed ? a.Last - onA : onA - a.First;
+    if (!(keep > 1e-6 * std::fabs(a.Last - a.First))) return false;
+    atA = onA;
+    atB = last;
+    return true;
+}
+
+// The edge cut at t into two edges meeting at v, in the edge's own direction.
+void SplitEdge(const TopoDS_Edge& edge, double t, const TopoDS_Vertex& v, TopoDS_Edge& low, TopoDS_Edge& high)
+{
+    const TopoDS_Edge forward = TopoDS::Edge(edge.Oriented(TopAbs_FORWARD));
+    TopoDS_Vertex first, last;
+    TopExp::Vertices(forward, first, last);
+    double f = 0.0, l = 0.0;
+    BRep_Tool::Range(forward, f, l);
+    const ShapeBuild_Edge build;
+    BRep_Builder builder;
+    low = build.CopyReplaceVertices(forward, first, v);
+    builder.Range(low, f, t);
+    high = build.CopyReplaceVertices(forward, v, last);
+    builder.Range(high, t, l);
+}
+
+TopoDS_Wire WireOf(std::initializer_list<TopoDS_Edge> edges)
+{
+    BRep_Builder builder;
+    TopoDS_Wire wire;
+    builder.MakeWire(wire);
+    for (const TopoDS_Edge& e : edges) builder.Add(wire, e);
+    return wire;
+}
+
+// Cuts the spikes out of the wire: where an edge runs back along the end of the edge before
+// it, both are split where they part, the two pieces that retrace each other leave this wire
+// (the faces on their other sides keep them), and the wire closes where they parted. A spike
+// bounds nothing, yet a region mesher sees slivers along it wherever the two curves waver
+// across each other. One spike a wire is cut, which is what files carry.
+bool CutSpike(const TopoDS_Wire& wire, const TopoDS_Face& face, ShapeBuild_ReShape& context)
+{
+    std::vector<EdgeUse> uses;
+    for (TopoDS_Iterator it(wire); it.More(); it.Next()) {
+        if (it.Value().ShapeType() != TopAbs_EDGE) return false;
+        const TopoDS_Edge& e = TopoDS::Edge(it.Value());
+        if (e.Orientation() != TopAbs_FORWARD && e.Orientation() != TopAbs_REVERSED) return false;
+        if (BRep_Tool::Degenerated(e)) {
+            uses.push_back({e, e.Orientation() == TopAbs_REVERSED, 0.0, 0.0});
+            continue;
+        }
+        double f = 0.0, l = 0.0;
+        if (BRep_Tool::Curve(e, f, l).IsNull() || !BRep_Tool::SameParameter(e)) return false;
+        uses.push_back({e, e.Orientation() == TopAbs_REVERSED, f, l});
+    }
+    if (uses.size() < 3) return false;
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+        const EdgeUse& a = uses[i];
+        const EdgeUse& b = uses[(i + 1) % uses.size()];
+        if (BRep_Tool::Degenerated(a.Edge) || BRep_Tool::Degenerated(b.Edge) || a.Edge.IsSame(b.Edge)) continue;
+        if (BRep_Tool::IsClosed(a.Edge, face) || BRep_Tool::IsClosed(b.Edge, face)) continue;
+        const double tol = 0.1 * std::max(BRep_Tool::Tolerance(a.Edge), BRep_Tool::Tolerance(b.Edge)) + Precision::Confusion();
+        double atA = 0.0, atB = 0.0;
+        if (!FindSpike(a, b, tol, atA, atB)) continue;
+        const gp_Pnt pa = BRepAdaptor_Curve(a.Edge).Value(atA), pb = BRepAdaptor_Curve(b.Edge).Value(atB);
+        TopoDS_Vertex v;
+        BRep_Builder builder;
+        builder.MakeVertex(v, gp_Pnt(0.5 * (pa.XYZ() + pb.XYZ())),
+                           std::max({BRep_Tool::Tolerance(a.Edge), BRep_Tool::Tolerance(b.Edge), 0.5 * pa.Distance(pb) + Precision::Confusion()}));
+        TopoDS_Edge aLow, aHigh, bLow, bHigh;
+        SplitEdge(a.Edge, atA, v, aLow, aHigh);
+        SplitEdge(b.Edge, atB, v, bLow, bHigh);
+        // Elsewhere each edge is its two pieces; here only the pieces outside the spike.
+        context.Replace(a.Edge.Oriented(TopAbs_FORWARD), WireOf({aLow, aHigh}));
+        context.Replace(b.Edge.Oriented(TopAbs_FORWARD), WireOf({bLow, bHigh}));
+        const TopoDS_Edge aKept = a.Reversed ? TopoDS::Edge(aHigh.Reversed()) : aLow;
+        const TopoDS_Edge bKept = b.Reversed ? TopoDS::Edge(bLow.Reversed()) : bHigh;
+        BRep_Builder wb;
+        TopoDS_Wire cut;
+        wb.MakeWire(cut);
+        for (std::size_t j = 0; j < uses.size(); ++j) {
+            if (j == i) wb.Add(cut, aKept);
+            else if (j == (i + 1) % uses.size()) wb.Add(cut, bKept);
+            else wb.Add(cut, uses[j].Edge);
+        }
+        cut.Orientation(wire.Orientation());
+        context.Replace(wire, cut);
+        return true;
+    }
+    return false;
+}
+
+// The shape with the spikes of its faces' wires cut out; the faces in the same order.
+TopoDS_Shape CutSpikes(const TopoDS_Shape& shape)
+{
+    const Handle(ShapeBuild_ReShape) context = new ShapeBuild_ReShape();
+    bool any = false;
+    TopTools_IndexedMapOfShape faces;
+    TopExp::MapShapes(shape, TopAbs_FACE, faces);
+    TopTools_MapOfShape edgesCut;
+    for (int i = 1; i <= faces.Extent(); ++i) {
+        const TopoDS_Face face = TopoDS::Face(faces(i).Oriented(TopAbs_FORWARD));
+        for (TopoDS_Iterator it(face); it.More(); it.Next()) {
+            if (it.Value().ShapeType() != TopAbs_WIRE) continue;
+            // An edge is cut once: a second spike on it waits for another healing.
+            bool touched = false;
+            for (TopoDS_Iterator e(it.Value()); e.More(); e.Next()) touched = touched || edgesCut.Contains(e.Value());
+            if (touched) continue;
+            if (CutSpike(TopoDS::Wire(it.Value()), face, *context)) {
+                for (TopoDS_Iterator e(it.Value()); e.More(); e.Next()) edgesCut.Add(e.Value());
+                any = true;
+            }
+        }
+    }
+    return any ? context->Apply(shape) : shape;
+}
+
 }  // namespace
 
 bool FitTrimCurvesIntoRange(const TopoDS_Face& Face)
@@ -146,6 +323,8 @@ bool FitTrimCurvesIntoRange(const TopoDS_Face& Face)
             if (f1.IsNull()) continue;
             builder.UpdateEdge(forward, f1, face, BRep_Tool::Tolerance(forward));
         }
+        // The vertices' tolerances cover the moved ends of the curve.
+        ShapeFix_Edge().FixVertexTolerance(forward, face);
         builder.Range(forward, face, first, last);
         changed = true;
     }
@@ -173,6 +352,23 @@ HealedShape::HealedShape(const TopoDS_Shape& Shape) : FShape(Shape)
     } catch (const Standard_Failure&) {
         FShape = Shape;
         FOriginal.Clear();
+    }
+    try {
+        const TopoDS_Shape cut = CutSpikes(FShape);
+        if (!cut.IsSame(FShape)) {
+            // The rebuilt shape keeps its faces in order: face i stands for face i before.
+            TopTools_IndexedMapOfShape before, after;
+            TopExp::MapShapes(FShape, TopAbs_FACE, before);
+            TopExp::MapShapes(cut, TopAbs_FACE, after);
+            if (before.Extent() == after.Extent()) {
+                TopTools_DataMapOfShapeShape original;
+                for (int i = 1; i <= after.Extent(); ++i) original.Bind(after(i), Original(before(i)));
+                FOriginal = original;
+                FShape = cut;
+            }
+        }
+    } catch (const Standard_Failure&) {
+        // The spikes stay; the faces convert as they are.
     }
     TopTools_IndexedMapOfShape faces;
     TopExp::MapShapes(FShape, TopAbs_FACE, faces);

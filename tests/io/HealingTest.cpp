@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <BRepBndLib.hxx>
+#include <BRepCheck_Analyzer.hxx>
 #include <Bnd_Box.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
@@ -75,6 +76,21 @@ TEST(Healing, FacesWithFaultyBoundariesAreConvertedWithTheirExactArea)
         for (const std::string& reason : meshed.Skipped) ADD_FAILURE() << "skipped: " << reason;
         EXPECT_NEAR(meshed.Area / ExactArea(c.Make(false)), 1.0, 0.005);
     }
+}
+
+// A loop that runs back along its own curved side for a stretch, its two curves wavering
+// across each other within their tolerance (the coil of a flat-ground spring where it meets
+// the ground plane): the stretch bounds nothing, yet meshed as a region it gives slivers and
+// folds, and OpenCASCADE's own checker and mesher refuse the face. Healing cuts the stretch
+// out of the loop, which leaves a valid face that meshes to its exact area.
+TEST(Healing, ALoopThatRunsBackAlongItselfIsCutWhereItTurns)
+{
+    const TopoDS_Face spiked = StripWithSpike();
+    ASSERT_FALSE(BRepCheck_Analyzer(spiked).IsValid());
+    EXPECT_TRUE(BRepCheck_Analyzer(HealedShape(spiked).Shape()).IsValid());
+    const Meshed meshed = HealAndMesh(spiked);
+    for (const std::string& reason : meshed.Skipped) ADD_FAILURE() << "skipped: " << reason;
+    EXPECT_NEAR(meshed.Area / ExactArea(StripWithSpike(false)), 1.0, 0.005);
 }
 
 }  // namespace

@@ -6,7 +6,10 @@
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepLib.hxx>
 #include <BRep_Builder.hxx>
+#include <Geom2dAPI_PointsToBSpline.hxx>
+#include <Geom2d_BSplineCurve.hxx>
 #include <Geom2d_Line.hxx>
+#include <TColgp_Array1OfPnt2d.hxx>
 #include <GeomConvert.hxx>
 #include <Geom_BSplineCurve.hxx>
 #include <Geom_BSplineSurface.hxx>
@@ -153,6 +156,42 @@ TopoDS_Face HalfCylinderWithoutSides(bool faulty)
     const double half = 0.5 * s->UPeriod();
     if (!faulty) return FaceOn(s, {{0.0, 0.0}, {half, 0.0}, {half, 20.0}, {0.0, 20.0}});
     return FaceOfPieces(s, {{{0.0, 0.0}, {half, 0.0}}, {{half, 20.0}, {0.0, 20.0}}});
+}
+
+TopoDS_Face StripWithSpike(bool faulty)
+{
+    const Handle(Geom_BSplineSurface) s = PeriodicCylinder(30.0);
+    if (!faulty) return FaceOn(s, {{0.0, 0.0}, {4.0, 0.0}, {4.0, 20.0}, {3.0, 20.0}, {0.0, 12.0}});
+    // Along the line v = 20 from u = 4 to u = 0; then one trim curve back along that line to
+    // u = 3, wavering across it by 2e-3 (within its edge's tolerance, as two trim curves of
+    // one line in a file do), and across to the left side; then down.
+    const std::vector<gp_Pnt2d> corners = {{0.0, 0.0}, {4.0, 0.0}, {4.0, 20.0}, {0.0, 20.0}, {0.0, 12.0}};
+    std::vector<TopoDS_Vertex> v;
+    for (const gp_Pnt2d& c : corners) v.push_back(VertexAt(s, c));
+    BRep_Builder builder;
+    TopoDS_Wire wire;
+    builder.MakeWire(wire);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const std::size_t j = (i + 1) % corners.size();
+        if (i != 3) {
+            builder.Add(wire, EdgeOn(s, corners[i], corners[j], v[i], v[j]));
+            continue;
+        }
+        const int back = 31, across = 10;
+        TColgp_Array1OfPnt2d points(1, back + across);
+        for (int k = 0; k < back; ++k)
+            points(k + 1) = gp_Pnt2d(3.0 * k / (back - 1), 20.0 + 2e-3 * std::sin(3.0 * M_PI * k / (back - 1)));
+        for (int k = 1; k <= across; ++k) points(back + k) = gp_Pnt2d(3.0 - 0.3 * k, 20.0 - 0.8 * k);
+        const Handle(Geom2d_BSplineCurve) curve = Geom2dAPI_PointsToBSpline(points, 1, 1).Curve();
+        TopoDS_Edge edge = BRepBuilderAPI_MakeEdge(curve, s, v[i], v[j], curve->FirstParameter(), curve->LastParameter());
+        BRepLib::BuildCurves3d(edge);
+        builder.UpdateEdge(edge, 0.05);  // the file's tolerance covers the wavering
+        builder.Add(wire, edge);
+    }
+    TopoDS_Face face;
+    builder.MakeFace(face, s, 1e-7);
+    builder.Add(face, wire);
+    return face;
 }
 
 }  // namespace orvane::io::testing

@@ -20,4 +20,11 @@ TopoDS_Face ShiftedSeamBand(bool Faulty = true);
 // sides along u = 0 and u = pi are missing from the loop, which is open in UV and in 3D.
 TopoDS_Face HalfCylinderWithoutSides(bool Faulty = true);
 
+// A strip of a cylinder of radius 10 and height 30, u in [0, 4] and v in [0, 20] less a
+// corner, whose loop runs along v = 20 to u = 0 and then, in one trim curve, back along that
+// line to u = 3, wavering across it by 2e-3 within the edge's tolerance of 0.05, before it
+// crosses to the left side: a spike of no width, as the coil of a flat-ground spring carries
+// where it meets the ground plane.
+TopoDS_Face StripWithSpike(bool Faulty = true);
+
 }  // namespace orvane::io::testing
