@@ -16,9 +16,11 @@
 namespace orvane::io {
 
 // Two boundary points of an edge closer than this, in units of the edge's polyline segments,
-// become one (and one that close to a shared point becomes that point): the split triangles
-// then have no slivers narrower than this share of their side.
-inline constexpr double kEdgeMergeShare = 0.05;
+// become one (and one that close to a shared point becomes that point): the two sides of a
+// seam, or two faces, that cut an edge at the same place up to their rounding then share the
+// point instead of leaving a triangle of no area between them. Nothing much larger: a move
+// along a long straight segment could turn a thin triangle over.
+inline constexpr double kEdgeMergeShare = 1e-6;
 
 // Stitches the drafts of the faces Faces[i] (Drafts[i]) against each other.
 void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts);

@@ -42,7 +42,7 @@ DirectionPlan ScaleDirection(double span, double maxSecond, const PreparationSet
 {
     DirectionPlan d;
     d.Span = span;
-    d.Needed = span * std::sqrt(maxSecond / (4.0 * s.Tolerance));
+    d.Needed = span * std::sqrt(maxSecond / (2.0 * s.Tolerance));
     const double length = kRowSpacing * std::max(d.Needed, 1.0);
     d.Scale = length / span;
     return d;

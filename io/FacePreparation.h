@@ -10,9 +10,10 @@
 // For each direction d of the plane, with s_d the knot span, M_d the largest second
 // derivative across the surface (in the face's own parameters), T the tolerance and h = 0.05:
 //
-//   N_d = s_d * sqrt(M_d / (4 T))       parts that keep every chord within T / 2, so that a
-//                                        quad's centre, off by both directions' chords, stays
-//                                        within T: h_d^2 M_d / 8 <= T / 2
+//   N_d = s_d * sqrt(M_d / (2 T))       parts that keep every chord within T / 4, so that a
+//                                        triangle, off by both directions' chords, stays within
+//                                        T / 2, and within T beside a boundary whose polyline is
+//                                        itself within T / 2: h_d^2 M_d / 8 <= T / 4
 //   L_d = h * max(N_d, 1)                the prepared span, never below one part, so that the
 //                                        quad tool's merging stays far below the loops' detail
 //   p -> (L_d / s_d) * (p - p0)          the affine change of parameter (knots and trim curves)

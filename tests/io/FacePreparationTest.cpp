@@ -23,8 +23,8 @@ FaceData Patch(double maxSu, double maxSv, double maxSuu, double maxSvv)
     s.KnotsV = {10, 10, 10, 10, 11, 13, 13, 13, 13};
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 5; ++j) s.Poles.push_back({double(i), double(j), 0.1 * i * j});
-    f.Loops = {{TrimCurveData{1, {0, 0, 1, 1}, {{0, 10}, {2, 10}}, {}}, TrimCurveData{1, {0, 0, 1, 1}, {{2, 10}, {2, 13}}, {}},
-                TrimCurveData{1, {0, 0, 1, 1}, {{2, 13}, {0, 13}}, {}}, TrimCurveData{1, {0, 0, 1, 1}, {{0, 13}, {0, 10}}, {}}}};
+    f.Loops = {{TrimCurveData{1, {0, 0, 1, 1}, {{0, 10}, {2, 10}}, {}, -1, false, {}}, TrimCurveData{1, {0, 0, 1, 1}, {{2, 10}, {2, 13}}, {}, -1, false, {}},
+                TrimCurveData{1, {0, 0, 1, 1}, {{2, 13}, {0, 13}}, {}, -1, false, {}}, TrimCurveData{1, {0, 0, 1, 1}, {{0, 13}, {0, 10}}, {}, -1, false, {}}}};
     f.Bounds = {maxSu, maxSv, maxSuu, maxSvv};
     return f;
 }

@@ -56,7 +56,7 @@ TEST(IsolatedReader, ADamagedAnswerIsAnErrorNotAModel)
     CadModelData model;
     model.Format = "STEP";
     model.Faces.resize(1);
-    model.Faces[0].Loops = {{TrimCurveData{1, {0, 0, 1, 1}, {{0, 0}, {1, 0}}, {}}}};
+    model.Faces[0].Loops = {{TrimCurveData{1, {0, 0, 1, 1}, {{0, 0}, {1, 0}}, {}, -1, false, {}}}};
     const std::string bytes = EncodeModel(model);
     EXPECT_EQ(EncodeModel(DecodeModel(bytes)), bytes);
     for (std::size_t cut : {std::size_t{0}, std::size_t{3}, bytes.size() / 2, bytes.size() - 1}) {

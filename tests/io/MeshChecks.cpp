@@ -1,6 +1,7 @@
 #include "tests/io/MeshChecks.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include <GeomAPI_ProjectPointOnSurf.hxx>
@@ -108,6 +109,63 @@ double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh)
         }
     }
     return worst;
+}
+
+namespace {
+
+TPoint3D PointOf(const ModelMesh& mesh, const FaceMesh& f, int v)
+{
+    return mesh.Points[static_cast<std::size_t>(f.Points[static_cast<std::size_t>(v)])];
+}
+
+}  // namespace
+
+double WorstDeviation(const CadModelData& model, const ModelMesh& mesh)
+{
+    const double enough = 1e-7 * model.Box.Diagonal();
+    double worst = 0.0;
+    for (const FaceMesh& f : mesh.Faces) {
+        Projector projector(FaceOf(model, f.Number));
+        const std::size_t step = std::max<std::size_t>(1, f.Triangles.size() / 400);
+        for (std::size_t t = 0; t < f.Triangles.size(); t += step) {
+            const auto& tri = f.Triangles[t];
+            const TPoint3D a = PointOf(mesh, f, tri[0]), b = PointOf(mesh, f, tri[1]), c = PointOf(mesh, f, tri[2]);
+            for (const TPoint3D& p : {a, (a + b) / 2.0, (b + c) / 2.0, (c + a) / 2.0, (a + b + c) / 3.0})
+                worst = std::max(worst, projector.Distance(p, enough));
+        }
+    }
+    return worst;
+}
+
+double WorstNormalAngle(const CadModelData& model, const ModelMesh& mesh)
+{
+    const double onSurface = 1e-9 * model.Box.Diagonal();
+    double worst = 0.0;
+    for (const FaceMesh& f : mesh.Faces) {
+        Projector projector(FaceOf(model, f.Number));
+        const std::size_t step = std::max<std::size_t>(1, f.Points.size() / 100);
+        for (std::size_t v = 0; v < f.Points.size(); v += step) {
+            const TPoint3D p = PointOf(mesh, f, static_cast<int>(v));
+            if (projector.Distance(p, onSurface) > onSurface) continue;
+            const TPoint3D exact = projector.Normal(p);
+            if (exact.Length() == 0.0) continue;
+            const TPoint3D& n = f.Normals[v];
+            worst = std::max(worst, std::atan2(exact.CrossMul(n).Length(), exact.DotMul(n)));
+        }
+    }
+    return worst;
+}
+
+std::size_t ZeroAreaTriangles(const CadModelData& model, const ModelMesh& mesh)
+{
+    const double floor = 1e-12 * model.Box.Diagonal() * model.Box.Diagonal();
+    std::size_t count = 0;
+    for (const FaceMesh& f : mesh.Faces)
+        for (const auto& t : f.Triangles) {
+            const TPoint3D a = PointOf(mesh, f, t[0]);
+            count += (PointOf(mesh, f, t[1]) - a).CrossMul(PointOf(mesh, f, t[2]) - a).Length() <= floor;
+        }
+    return count;
 }
 
 double WorstNormalAgreement(const CadModelData& model, const ModelMesh& mesh)

@@ -12,6 +12,15 @@ double MeshArea(const TFloatDynArray& tri);
 double SignedVolume(const TFloatDynArray& tri);
 // The largest distance of a vertex of each face from that face's surface.
 double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh);
+// The largest distance from the face's surface of any vertex, triangle centre or side
+// midpoint of the mesh (400 triangles spread over a larger face): how far the mesh strays from
+// the exact part.
+double WorstDeviation(const CadModelData& model, const ModelMesh& mesh);
+// The largest angle, in radians, between a vertex normal and the exact normal out of the
+// material, over the vertices that lie on their surface (within 1e-9 of the model's size).
+double WorstNormalAngle(const CadModelData& model, const ModelMesh& mesh);
+// Triangles whose area is below 1e-12 of the squared box diagonal.
+std::size_t ZeroAreaTriangles(const CadModelData& model, const ModelMesh& mesh);
 // The smallest dot product of a vertex normal with the exact normal out of the material, over
 // a sample of vertices of every face (a pole's vertices, where there is no normal, left out).
 double WorstNormalAgreement(const CadModelData& model, const ModelMesh& mesh);

@@ -4,6 +4,8 @@
 #include <stdexcept>
 
 #include <BRepAlgoAPI_Cut.hxx>
+#include <BRep_Builder.hxx>
+#include <TopoDS_Shell.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
 #include <BRepFilletAPI_MakeFillet.hxx>
@@ -61,6 +63,20 @@ TopoDS_Shape BoxWithHole()
 TopoDS_Shape Cylinder()
 {
     return BRepPrimAPI_MakeCylinder(gp_Ax2(gp_Pnt(0, 0, 0), gp_Dir(0, 0, 1)), 25, 80).Shape();
+}
+
+TopoDS_Shape OpenBox()
+{
+    const TopoDS_Shape box = BRepPrimAPI_MakeBox(40, 30, kOpenBoxHeight).Shape();
+    BRep_Builder builder;
+    TopoDS_Shell shell;
+    builder.MakeShell(shell);
+    for (TopExp_Explorer ex(box, TopAbs_FACE); ex.More(); ex.Next()) {
+        GProp_GProps props;
+        BRepGProp::SurfaceProperties(ex.Current(), props);
+        if (props.CentreOfMass().Z() < kOpenBoxHeight - 1e-9) builder.Add(shell, ex.Current());
+    }
+    return shell;
 }
 
 TopoDS_Shape Sphere()

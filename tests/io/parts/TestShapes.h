@@ -24,6 +24,11 @@ TopoDS_Shape FilletedBox();
 TopoDS_Shape PlateWithHoles();
 TopoDS_Shape LoftedFreeform();
 
+// A 40 x 30 x 20 box without its top face: an open shell whose rim lies at z = 20.
+TopoDS_Shape OpenBox();
+inline constexpr double kOpenBoxHeight = 20.0;
+inline constexpr double kOpenBoxRim = 140.0;
+
 // All seven, named as above in lower case with underscores.
 std::vector<TestShape> AllTestShapes();
 
