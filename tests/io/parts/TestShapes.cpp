@@ -164,7 +164,7 @@ double ExactArea(const TopoDS_Shape& shape)
 double ExactVolume(const TopoDS_Shape& shape)
 {
     GProp_GProps props;
-    BRepGProp::VolumeProperties(shape, props);
+    BRepGProp::VolumeProperties(shape, props, 1e-7);
     return props.Mass();
 }
 
