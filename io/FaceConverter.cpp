@@ -570,6 +570,12 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, E
     ShiftKnots(f.Surface.KnotsV, shift.Y());
     if (auto problem = FindSurfaceProblem(f.Surface); !problem.empty()) throw EFaceSkipped(problem);
     f.Loops = Loops(converted, s, f.Surface.Domain(), edges);
+    // A conversion's recomputed trim curve may wander near a pole, out of the face's box:
+    // projected anew, it keeps to the box.
+    const TRect2D domain = f.Surface.Domain();
+    if (!edges.Original.IsEmpty() && !FindFaceProblem(f, 1e-9).empty() &&
+        ReprojectStrayTrimCurves(converted, domain.Min.X, domain.Max.X, domain.Min.Y, domain.Max.Y))
+        f.Loops = Loops(converted, s, domain, edges);
     f.Bounds = SampleDerivatives(s);
     f.ExactArea = FaceArea(face);
     // What the meshers would refuse is refused here, where the reader can say what

@@ -331,6 +331,38 @@ bool FitTrimCurvesIntoRange(const TopoDS_Face& Face)
     return changed;
 }
 
+bool ReprojectStrayTrimCurves(const TopoDS_Face& Face, double U0, double U1, double V0, double V1)
+{
+    const TopoDS_Face face = TopoDS::Face(Face.Oriented(TopAbs_FORWARD));
+    const double slackU = 1e-6 * std::max(1.0, U1 - U0), slackV = 1e-6 * std::max(1.0, V1 - V0);
+    bool changed = false;
+    TopTools_IndexedMapOfShape edges;
+    TopExp::MapShapes(face, TopAbs_EDGE, edges);
+    for (int i = 1; i <= edges.Extent(); ++i) {
+        const TopoDS_Edge edge = TopoDS::Edge(edges(i).Oriented(TopAbs_FORWARD));
+        if (BRep_Tool::Degenerated(edge) || BRep_Tool::IsClosed(edge, face)) continue;
+        double first = 0.0, last = 0.0;
+        const Handle(Geom2d_Curve) pcurve = BRep_Tool::CurveOnSurface(edge, face, first, last);
+        if (pcurve.IsNull() || !(last > first)) continue;
+        const Handle(Geom2d_BSplineCurve) b = Geom2dConvert::CurveToBSplineCurve(new Geom2d_TrimmedCurve(pcurve, first, last));
+        bool strays = false;
+        for (int k = 1; k <= b->NbPoles() && !strays; ++k) {
+            const gp_Pnt2d p = b->Pole(k);
+            strays = p.X() < U0 - slackU || p.X() > U1 + slackU || p.Y() < V0 - slackV || p.Y() > V1 + slackV;
+        }
+        if (!strays) continue;
+        BRep_Builder builder;
+        builder.UpdateEdge(edge, Handle(Geom2d_Curve)(), face, BRep_Tool::Tolerance(edge));
+        if (!ShapeFix_Edge().FixAddPCurve(edge, face, Standard_False)) {
+            builder.UpdateEdge(edge, pcurve, face, BRep_Tool::Tolerance(edge));  // keep what it had
+            builder.Range(edge, face, first, last);
+            continue;
+        }
+        changed = true;
+    }
+    return changed;
+}
+
 HealedShape::HealedShape(const TopoDS_Shape& Shape) : FShape(Shape)
 {
     if (Shape.IsNull()) return;

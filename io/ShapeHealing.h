@@ -35,6 +35,12 @@ private:
 // edges' curves in place; true when any changed.
 bool FitTrimCurvesIntoRange(const TopoDS_Face& Face);
 
+// Projects anew, with OpenCASCADE's shape healing, the trim curves of Face (not at a pole,
+// not on a seam) whose poles leave the box [U0, U1] x [V0, V1] by more than 1e-6 of its size:
+// the curves a conversion recomputed that wander where the surface collapses to a pole.
+// Edits the edges in place; true when any changed.
+bool ReprojectStrayTrimCurves(const TopoDS_Face& Face, double U0, double U1, double V0, double V1);
+
 // What OpenCASCADE's own mesher (BRepMesh_IncrementalMesh at 1% of the face's size) makes of
 // a face this reader has to skip, as a clause to append to the reason: "; OpenCASCADE's
 // mesher leaves it without triangles too", or how many it gives.
