@@ -1,5 +1,6 @@
 #include "io/ModelMesher.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 #include <memory>
@@ -93,7 +94,10 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
             } else {
                 if (glu) mesh.Notes.push_back({f.Number, f.Name, refused + "; meshed on the quad road instead"});
                 const auto start = Clock::now();
-                FaceDraft draft = DraftQuadFace(f, mesh.Tolerance, Settings.MaxQuads);
+                // A face GLU gave up on is meshed no coarser than the GLU road's half pixel.
+                const double tolerance = glu && glu->QuadTolerance() > 0.0 ? std::min(mesh.Tolerance, glu->QuadTolerance())
+                                                                           : mesh.Tolerance;
+                FaceDraft draft = DraftQuadFace(f, tolerance, Settings.MaxQuads);
                 mesh.TessellateSeconds += Since(start);
                 if (draft.Triangles.empty()) throw EFaceRefused("the road gave no triangles");
                 slots.push_back({&f, static_cast<int>(drafts.size()), {}});
