@@ -261,6 +261,15 @@ private:
 
     // The places strictly between the boundary vertices a and b, from a to b: the loop's own
     // points and the other uses' points on the segments in between.
+    struct LoopPlace {
+        double Lambda;
+        int Segment;
+        double Sigma;  // on the segment's edge; NaN: the segment's start
+        bool operator<(const LoopPlace& o) const { return Lambda < o.Lambda; }
+    };
+
+    // The shorter way round the loop first; the other where the first does not run along the
+    // side (the two ways can be equally long).
     void AddPointsBetween(int a, int b, std::vector<int>& polygon)
     {
         const LoopLocation wa = FDraft.Vertices[static_cast<std::size_t>(a)].Where;
@@ -270,16 +279,22 @@ private:
         const int m = loop.SegmentCount();
         const double ahead = std::fmod(wb.Lambda() - wa.Lambda() + 2.0 * m, static_cast<double>(m));
         if (ahead == 0.0) return;
-        const bool forward = ahead <= m - ahead;
-        const double from = forward ? wa.Lambda() : wb.Lambda();
-        const double span = forward ? ahead : m - ahead;
-        struct Place {
-            double Lambda;
-            int Segment;
-            double Sigma;  // on the segment's edge; NaN: the segment's start
-            bool operator<(const Place& o) const { return Lambda < o.Lambda; }
-        };
-        std::vector<Place> places;
+        const bool shorterForward = ahead <= m - ahead;
+        for (const bool forward : {shorterForward, !shorterForward}) {
+            std::vector<LoopPlace> places = PlacesOnTheWay(loop, forward ? wa.Lambda() : wb.Lambda(), forward ? ahead : m - ahead);
+            if (!forward) std::reverse(places.begin(), places.end());
+            if (!AllBetween(loop, places, a, b)) continue;
+            for (const LoopPlace& p : places) polygon.push_back(AddBoundaryVertex(wa.Loop, p.Segment, p.Sigma));
+            return;
+        }
+    }
+
+    // The loop's points and the marks of other uses strictly inside (From, From + Span),
+    // ascending.
+    std::vector<LoopPlace> PlacesOnTheWay(const BoundaryLoop& loop, double from, double span) const
+    {
+        const int m = loop.SegmentCount();
+        std::vector<LoopPlace> places;
         for (int j = static_cast<int>(std::floor(from)); j <= static_cast<int>(std::floor(from + span)); ++j) {
             const LoopSegment& seg = loop.Segments[static_cast<std::size_t>(j % m)];
             // Places within rounding of the ends are the ends themselves.
@@ -294,28 +309,42 @@ private:
             for (auto it = lo; it < hi; ++it) take(j + FractionOf(seg, *it), *it);
         }
         std::sort(places.begin(), places.end());
-        if (!forward) std::reverse(places.begin(), places.end());
-        if (!AllBetween(loop, places, a, b)) return;
-        for (const Place& p : places) polygon.push_back(AddBoundaryVertex(wa.Loop, p.Segment, p.Sigma));
+        return places;
     }
 
-    // Whether every place lies on the side from a to b in UV: a side whose ends were placed on
-    // loop segments that are not one after the other (a loop that runs back along itself)
-    // takes no points.
-    template <typename Places>
-    bool AllBetween(const BoundaryLoop& loop, const Places& places, int a, int b) const
+    // Whether every place lies along the side from a to b, in UV or, where the face's
+    // parameters crowd the loop (a thin face whose side skipped loop points), in 3D: a side
+    // whose ends were placed on stretches of a loop that is not one after the other (a loop
+    // that runs back along itself) takes no points.
+    bool AllBetween(const BoundaryLoop& loop, const std::vector<LoopPlace>& places, int a, int b) const
     {
-        const TPoint2D pa = FDraft.Vertices[static_cast<std::size_t>(a)].UV, pb = FDraft.Vertices[static_cast<std::size_t>(b)].UV;
-        const double dx = pb.X - pa.X, dy = pb.Y - pa.Y, length2 = dx * dx + dy * dy;
+        const DraftVertex& va = FDraft.Vertices[static_cast<std::size_t>(a)];
+        const DraftVertex& vb = FDraft.Vertices[static_cast<std::size_t>(b)];
         for (const auto& p : places) {
-            const LoopLocation w{0, p.Segment, std::isnan(p.Sigma) ? 0.0 : std::clamp(FractionOf(loop.Segments[static_cast<std::size_t>(p.Segment)], p.Sigma), 0.0, 1.0)};
+            const LoopSegment& seg = loop.Segments[static_cast<std::size_t>(p.Segment)];
+            const bool onEdge = !std::isnan(p.Sigma) && seg.Edge >= 0;
+            const LoopLocation w{0, p.Segment, onEdge ? std::clamp(FractionOf(seg, p.Sigma), 0.0, 1.0) : 0.0};
             const TPoint2D q = UVAt(loop, w);
-            const double t = ((q.X - pa.X) * dx + (q.Y - pa.Y) * dy) / length2;
-            const double off = std::fabs((q.X - pa.X) * dy - (q.Y - pa.Y) * dx) / std::sqrt(length2);
-            if (!(t > 0.0 && t < 1.0) || off > 1e-3 * std::sqrt(length2)) return false;
+            const TPoint3D q3 = onEdge ? EdgePoint(FModel.Edges[static_cast<std::size_t>(seg.Edge)], p.Sigma)
+                                       : PositionAt(FModel, loop, w, va.Position);
+            if (!Along(va.UV, vb.UV, q, 1e-3) && !Along(va.Position, vb.Position, q3, 0.25)) return false;
         }
         return true;
     }
+
+    // Whether Q lies beside the segment from A to B, within Share of its length of it.
+    template <typename Point>
+    static bool Along(const Point& A, const Point& B, const Point& Q, double Share)
+    {
+        const Point ab = B - A, aq = Q - A;
+        const double length2 = Dot(ab, ab);
+        if (!(length2 > 0.0)) return false;
+        const double t = Dot(aq, ab) / length2;
+        const double off2 = Dot(aq, aq) - t * t * length2;
+        return t > 0.0 && t < 1.0 && off2 <= Share * Share * length2;
+    }
+    static double Dot(const TPoint2D& a, const TPoint2D& b) { return a.X * b.X + a.Y * b.Y; }
+    static double Dot(const TPoint3D& a, const TPoint3D& b) { return a.DotMul(b); }
 
     // A vertex at the start of the segment, or at Sigma on its edge (the point that the other
     // uses of the edge share).
