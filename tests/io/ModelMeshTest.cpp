@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <map>
 
 #include "io/CadModelReader.h"
@@ -109,6 +112,41 @@ TEST(ModelMesh, GluRoadMeshesComeOutPointingOutOfTheMaterial)
         EXPECT_NEAR(SignedVolume(tri) / model.ExactVolume, 1.0, 0.1);
         EXPECT_LT(WorstVertexDistance(model, mesh), 1e-6 * model.Box.Diagonal());
         EXPECT_GT(WorstNormalAgreement(model, mesh), 0.5);
+    }
+}
+
+}  // namespace
+}  // namespace orvane::io
+
+namespace orvane::io {
+namespace {
+
+using namespace orvane::io::testing;
+
+// Real CAD files, where ORVANE_CAD_SAMPLES names a folder of them (they are not in the
+// repository): at 1% of the diagonal and at the default tolerance, every face meshed and the
+// mesh within the tolerance of the exact surfaces. Prints the worst deviation over T.
+TEST(ModelMesh, CadSamplesStayWithinTheTolerance)
+{
+    const char* folder = std::getenv("ORVANE_CAD_SAMPLES");
+    if (!folder) GTEST_SKIP() << "ORVANE_CAD_SAMPLES names no folder of CAD files";
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string ext = entry.path().extension().string();
+        if (ext != ".stp" && ext != ".step" && ext != ".igs") continue;
+        for (const double share : {0.01, kDefaultToleranceShare}) {
+            const std::string path = entry.path().string();
+            SCOPED_TRACE(path);
+            const CadModelData probe = ReadCadModel(path);
+            const double tolerance = share * probe.Box.Diagonal();
+            const CadModelData model = ReadCadModel(path, {}, tolerance);
+            MeshSettings settings;
+            settings.Tolerance = tolerance;
+            const ModelMesh mesh = MeshModel(model, settings);
+            const double worst = WorstDeviation(model, mesh) / tolerance;
+            std::printf("%s at %g of the diagonal: worst deviation %.3f T, %zu zero-area triangles\n",
+                        entry.path().filename().c_str(), share, worst, ZeroAreaTriangles(model, mesh));
+            EXPECT_LE(worst, 1.0);
+        }
     }
 }
 
