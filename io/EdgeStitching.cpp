@@ -27,6 +27,9 @@ struct EdgeMarks {
 // Two places on a loop closer than this, in segments, are one: they differ by rounding only.
 constexpr double kSameLambda = 1e-9;
 
+// Two vertices closer than this share of their distance from the origin are one point.
+constexpr double kSamePointShare = 1e-9;
+
 double SigmaAt(const LoopSegment& seg, double s)
 {
     return seg.Sigma0 + s * (seg.Sigma1 - seg.Sigma0);
@@ -79,11 +82,17 @@ TPoint3D PositionAt(const CadModelData& model, const BoundaryLoop& loop, const L
 {
     const LoopSegment& seg = loop.Segments[static_cast<std::size_t>(w.Segment)];
     if (seg.Edge >= 0) return EdgePoint(model.Edges[static_cast<std::size_t>(seg.Edge)], SigmaAt(seg, w.S));
-    if (w.S == 0.0) {
-        const LoopSegment& before = loop.Segments[static_cast<std::size_t>((w.Segment + loop.SegmentCount() - 1) % loop.SegmentCount())];
-        if (before.Edge >= 0) return EdgePoint(model.Edges[static_cast<std::size_t>(before.Edge)], before.Sigma1);
-    }
-    return fallback;
+    // A bridge: its start is the end of the edge before it; where its end, the start of the
+    // edge after it, is the same point (a pole), it is that point all along.
+    const int m = loop.SegmentCount();
+    const LoopSegment& before = loop.Segments[static_cast<std::size_t>((w.Segment + m - 1) % m)];
+    const LoopSegment& after = loop.Segments[static_cast<std::size_t>((w.Segment + 1) % m)];
+    if (before.Edge < 0) return fallback;
+    const TPoint3D start = EdgePoint(model.Edges[static_cast<std::size_t>(before.Edge)], before.Sigma1);
+    if (w.S == 0.0) return start;
+    if (after.Edge < 0) return fallback;
+    const TPoint3D end = EdgePoint(model.Edges[static_cast<std::size_t>(after.Edge)], after.Sigma0);
+    return start.DistanceTo(end) <= 1e-9 * (1.0 + start.Length()) ? start : fallback;
 }
 
 TPoint2D UVAt(const BoundaryLoop& loop, const LoopLocation& w)
@@ -151,9 +160,10 @@ public:
         MendPoleNormals(FDraft, *FSurface, FFace.Reversed, NormalFloor(FFace));
     }
 
-    // A thin triangle along the boundary may turn over once its corners sit on the edges'
-    // chords: each such triangle trades its inner side with the neighbour across it where
-    // that turns both the right way. Quads that take part are quads no more.
+    // A thin triangle along the boundary may turn over, or lie flat along a straight edge,
+    // once its corners sit on the edges' chords: each such triangle trades its inner side with
+    // the neighbour across it where that turns both the right way. Quads that take part are
+    // quads no more.
     void RepairTurned()
     {
         std::vector<bool> touched(FDraft.Triangles.size(), false);
@@ -172,8 +182,8 @@ private:
         for (int t = 0; t < static_cast<int>(tris.size()); ++t)
             for (int k = 0; k < 3; ++k) sides[Key(tris[static_cast<std::size_t>(t)][static_cast<std::size_t>(k)], tris[static_cast<std::size_t>(t)][static_cast<std::size_t>((k + 1) % 3)])].push_back(t);
         for (int t = 0; t < static_cast<int>(tris.size()); ++t) {
-            if (Facing(tris[static_cast<std::size_t>(t)]) >= 0.0) continue;
-            for (int k = 0; k < 3 && Facing(tris[static_cast<std::size_t>(t)]) < 0.0; ++k) {
+            if (!Flat(tris[static_cast<std::size_t>(t)])) continue;
+            for (int k = 0; k < 3 && Flat(tris[static_cast<std::size_t>(t)]); ++k) {
                 const auto tri = tris[static_cast<std::size_t>(t)];
                 const int a = tri[static_cast<std::size_t>(k)], b = tri[static_cast<std::size_t>((k + 1) % 3)], c = tri[static_cast<std::size_t>((k + 2) % 3)];
                 const std::vector<int>& across = sides[Key(a, b)];
@@ -182,7 +192,7 @@ private:
                 const auto& other = tris[static_cast<std::size_t>(u)];
                 const int d = other[0] != a && other[0] != b ? other[0] : other[1] != a && other[1] != b ? other[1] : other[2];
                 const std::array<int, 3> first{a, d, c}, second{d, b, c};
-                if (Facing(first) <= 0.0 || Facing(second) <= 0.0) continue;
+                if (Flat(first) || Flat(second)) continue;
                 tris[static_cast<std::size_t>(t)] = first;
                 tris[static_cast<std::size_t>(u)] = second;
                 touched[static_cast<std::size_t>(t)] = touched[static_cast<std::size_t>(u)] = true;
@@ -191,6 +201,18 @@ private:
             }
         }
         return traded;
+    }
+
+    // Whether the triangle is turned over, or so thin that it has no area to speak of (its
+    // corners on one straight edge): three times its doubled area along the surface normal at
+    // its corners, against its longest side.
+    bool Flat(const std::array<int, 3>& t) const
+    {
+        const TPoint3D& a = FDraft.Vertices[static_cast<std::size_t>(t[0])].Position;
+        const TPoint3D& b = FDraft.Vertices[static_cast<std::size_t>(t[1])].Position;
+        const TPoint3D& c = FDraft.Vertices[static_cast<std::size_t>(t[2])].Position;
+        const double side2 = std::max({(b - a).DotMul(b - a), (c - b).DotMul(c - b), (a - c).DotMul(a - c)});
+        return Facing(t) <= 1e-9 * side2;
     }
 
     // Twice the triangle's area along the surface normal at its corners: negative where it
@@ -401,6 +423,35 @@ int PointWelder::Of(const TPoint3D& P)
     return it->second;
 }
 
+namespace {
+
+// For each vertex, the vertex that stands for it: an inner vertex within rounding of a
+// neighbour (the quad tool cut a column a hair beside a column line) is that neighbour, so
+// that the sliver between them goes instead of leaving a triangle of no area.
+std::vector<int> MergeCloseInnerVertices(const FaceDraft& d)
+{
+    std::vector<int> kept(d.Vertices.size());
+    for (std::size_t v = 0; v < kept.size(); ++v) kept[v] = static_cast<int>(v);
+    auto root = [&](int v) {
+        while (kept[static_cast<std::size_t>(v)] != v) v = kept[static_cast<std::size_t>(v)];
+        return v;
+    };
+    for (const auto& t : d.Triangles)
+        for (int k = 0; k < 3; ++k) {
+            const int a = root(t[static_cast<std::size_t>(k)]), b = root(t[static_cast<std::size_t>((k + 1) % 3)]);
+            if (a == b) continue;
+            const DraftVertex& va = d.Vertices[static_cast<std::size_t>(a)];
+            const DraftVertex& vb = d.Vertices[static_cast<std::size_t>(b)];
+            if (va.Position.DistanceTo(vb.Position) > kSamePointShare * (1.0 + va.Position.Length())) continue;
+            if (va.Where.Loop < 0) kept[static_cast<std::size_t>(a)] = b;
+            else if (vb.Where.Loop < 0) kept[static_cast<std::size_t>(b)] = a;
+        }
+    for (std::size_t v = 0; v < kept.size(); ++v) kept[v] = root(static_cast<int>(v));
+    return kept;
+}
+
+}  // namespace
+
 FaceMesh FaceMeshOf(const FaceData& F, const FaceDraft& Draft, PointWelder& Points)
 {
     FaceMesh mesh;
@@ -419,7 +470,9 @@ FaceMesh FaceMeshOf(const FaceData& F, const FaceDraft& Draft, PointWelder& Poin
         }
         return l;
     };
-    for (std::size_t v = 0; v < Draft.Vertices.size(); ++v) pointOf[v] = Points.Of(Draft.Vertices[v].Position);
+    const std::vector<int> kept = MergeCloseInnerVertices(Draft);
+    for (std::size_t v = 0; v < Draft.Vertices.size(); ++v)
+        pointOf[v] = Points.Of(Draft.Vertices[static_cast<std::size_t>(kept[v])].Position);
     std::vector<bool> quadFirst(Draft.Triangles.size(), false);
     for (const int q : Draft.QuadStarts) quadFirst[static_cast<std::size_t>(q)] = true;
     auto hasArea = [&](const std::array<int, 3>& t) {
