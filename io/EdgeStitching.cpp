@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 
+#include "io/BoundaryThinning.h"
 #include "io/KernelFace.h"
 
 namespace orvane::io {
@@ -398,6 +399,7 @@ private:
 
 void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts)
 {
+    for (std::size_t i = 0; i < Drafts.size(); ++i) ThinBoundaryCrossings(Drafts[i], *Faces[i], Model.Edges);
     std::vector<EdgeMarks> marks(Model.Edges.size());
     for (const FaceDraft& d : Drafts) Collect(d, marks);
     for (EdgeMarks& m : marks) Merge(m);

@@ -13,7 +13,7 @@ namespace orvane::io {
 
 // Largest turn of the edge's tangent between two consecutive points, in radians: keeps small
 // circles round where the chordal tolerance alone would leave them a few segments.
-inline constexpr double kEdgeAngularDeflection = 0.35;
+inline constexpr double kEdgeAngularDeflection = 0.2;
 
 class EdgeTable {
 public:

@@ -171,6 +171,7 @@ FaceDraft DraftQuadFace(const FaceData& F, double Tolerance, long long MaxQuads)
     const PlaneMap map = MapOf(F, prepared.Plan);
     FaceDraft d;
     d.PlannedQuads = prepared.Plan.Quads();
+    d.Tolerance = Tolerance;
     d.Loops = FaceBoundary(F);
     if (d.Loops.empty()) throw EFaceRefused("the face has no boundary loop with area");
     const std::vector<std::vector<TPoint2D>> mapped = MapLoops(d.Loops, map);

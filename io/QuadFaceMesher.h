@@ -27,6 +27,7 @@ struct FaceDraft {
     std::vector<std::array<int, 3>> Triangles;  // counter-clockwise seen from outside
     std::vector<int> QuadStarts;                // see FaceMesh::QuadStarts
     long long PlannedQuads = 0;
+    double Tolerance = 0.0;                     // the chordal tolerance it was made for
 };
 
 // Raises EFaceRefused (FacePreparation.h) for a face the preparation refuses, and what the
