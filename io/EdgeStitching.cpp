@@ -28,8 +28,6 @@ struct EdgeMarks {
 // Two places on a loop closer than this, in segments, are one: they differ by rounding only.
 constexpr double kSameLambda = 1e-9;
 
-// Two vertices closer than this share of their distance from the origin are one point.
-constexpr double kSamePointShare = 1e-9;
 
 double SigmaAt(const LoopSegment& seg, double s)
 {
@@ -416,43 +414,30 @@ std::size_t PointWelder::KeyHash::operator()(const Key& k) const noexcept
     return std::hash<std::uint64_t>()((k.X * 0x9E3779B97F4A7C15ULL) ^ (k.Y * 0xC2B2AE3D27D4EB4FULL) ^ k.Z);
 }
 
+PointWelder::Key PointWelder::CellOf(const TPoint3D& P, int DX, int DY, int DZ) const
+{
+    if (!(FCell > 0.0))
+        return {std::bit_cast<std::int64_t>(P.X + 0.0), std::bit_cast<std::int64_t>(P.Y + 0.0),
+                std::bit_cast<std::int64_t>(P.Z + 0.0)};
+    return {static_cast<std::int64_t>(std::floor(P.X / FCell)) + DX, static_cast<std::int64_t>(std::floor(P.Y / FCell)) + DY,
+            static_cast<std::int64_t>(std::floor(P.Z / FCell)) + DZ};
+}
+
 int PointWelder::Of(const TPoint3D& P)
 {
-    const Key key{std::bit_cast<std::uint64_t>(P.X + 0.0), std::bit_cast<std::uint64_t>(P.Y + 0.0),
-                  std::bit_cast<std::uint64_t>(P.Z + 0.0)};
-    const auto [it, added] = FIndex.try_emplace(key, static_cast<int>(FPoints.size()));
-    if (added) FPoints.push_back(P);
-    return it->second;
+    const int reach = FCell > 0.0 ? 1 : 0;
+    for (int dx = -reach; dx <= reach; ++dx)
+        for (int dy = -reach; dy <= reach; ++dy)
+            for (int dz = -reach; dz <= reach; ++dz) {
+                const auto found = FIndex.find(CellOf(P, dx, dy, dz));
+                if (found == FIndex.end()) continue;
+                for (const int i : found->second)
+                    if (FPoints[static_cast<std::size_t>(i)] == P || FPoints[static_cast<std::size_t>(i)].DistanceTo(P) <= FCell) return i;
+            }
+    FIndex[CellOf(P, 0, 0, 0)].push_back(static_cast<int>(FPoints.size()));
+    FPoints.push_back(P);
+    return static_cast<int>(FPoints.size()) - 1;
 }
-
-namespace {
-
-// For each vertex, the vertex that stands for it: an inner vertex within rounding of a
-// neighbour (the quad tool cut a column a hair beside a column line) is that neighbour, so
-// that the sliver between them goes instead of leaving a triangle of no area.
-std::vector<int> MergeCloseInnerVertices(const FaceDraft& d)
-{
-    std::vector<int> kept(d.Vertices.size());
-    for (std::size_t v = 0; v < kept.size(); ++v) kept[v] = static_cast<int>(v);
-    auto root = [&](int v) {
-        while (kept[static_cast<std::size_t>(v)] != v) v = kept[static_cast<std::size_t>(v)];
-        return v;
-    };
-    for (const auto& t : d.Triangles)
-        for (int k = 0; k < 3; ++k) {
-            const int a = root(t[static_cast<std::size_t>(k)]), b = root(t[static_cast<std::size_t>((k + 1) % 3)]);
-            if (a == b) continue;
-            const DraftVertex& va = d.Vertices[static_cast<std::size_t>(a)];
-            const DraftVertex& vb = d.Vertices[static_cast<std::size_t>(b)];
-            if (va.Position.DistanceTo(vb.Position) > kSamePointShare * (1.0 + va.Position.Length())) continue;
-            if (va.Where.Loop < 0) kept[static_cast<std::size_t>(a)] = b;
-            else if (vb.Where.Loop < 0) kept[static_cast<std::size_t>(b)] = a;
-        }
-    for (std::size_t v = 0; v < kept.size(); ++v) kept[v] = root(static_cast<int>(v));
-    return kept;
-}
-
-}  // namespace
 
 FaceMesh FaceMeshOf(const FaceData& F, const FaceDraft& Draft, PointWelder& Points)
 {
@@ -472,9 +457,7 @@ FaceMesh FaceMeshOf(const FaceData& F, const FaceDraft& Draft, PointWelder& Poin
         }
         return l;
     };
-    const std::vector<int> kept = MergeCloseInnerVertices(Draft);
-    for (std::size_t v = 0; v < Draft.Vertices.size(); ++v)
-        pointOf[v] = Points.Of(Draft.Vertices[static_cast<std::size_t>(kept[v])].Position);
+    for (std::size_t v = 0; v < Draft.Vertices.size(); ++v) pointOf[v] = Points.Of(Draft.Vertices[v].Position);
     std::vector<bool> quadFirst(Draft.Triangles.size(), false);
     for (const int q : Draft.QuadStarts) quadFirst[static_cast<std::size_t>(q)] = true;
     auto hasArea = [&](const std::array<int, 3>& t) {

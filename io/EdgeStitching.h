@@ -25,21 +25,29 @@ inline constexpr double kEdgeMergeShare = 1e-6;
 // Stitches the drafts of the faces Faces[i] (Drafts[i]) against each other.
 void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts);
 
-// The positions every face shares: one index per distinct point, bit for bit.
+// Two points of a model closer than this share of its box diagonal are one.
+inline constexpr double kSamePointShare = 1e-9;
+
+// The positions every face shares: one index per distinct point. Points closer than Cell
+// (far below any tolerance: two computations of one place that differ by rounding) are one,
+// the first one seen.
 class PointWelder {
 public:
+    explicit PointWelder(double Cell = 0.0) : FCell(Cell) {}
     int Of(const TPoint3D& P);
     std::vector<TPoint3D> Take() { return std::move(FPoints); }
 
 private:
     struct Key {
-        std::uint64_t X, Y, Z;
+        std::int64_t X, Y, Z;
         bool operator==(const Key&) const = default;
     };
+    Key CellOf(const TPoint3D& P, int DX, int DY, int DZ) const;
+    double FCell;
     struct KeyHash {
         std::size_t operator()(const Key& k) const noexcept;
     };
-    std::unordered_map<Key, int, KeyHash> FIndex;
+    std::unordered_map<Key, std::vector<int>, KeyHash> FIndex;
     std::vector<TPoint3D> FPoints;
 };
 

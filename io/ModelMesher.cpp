@@ -112,7 +112,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
     }
     const auto start = Clock::now();
     StitchDrafts(Model, quadFaces, drafts);
-    PointWelder points;
+    PointWelder points(kSamePointShare * Model.Box.Diagonal());
     for (FaceSlot& slot : slots) {
         if (slot.Draft < 0) {
             IndexGluFace(slot.Glu, points);
