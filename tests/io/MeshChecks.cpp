@@ -120,9 +120,8 @@ TPoint3D PointOf(const ModelMesh& mesh, const FaceMesh& f, int v)
 
 }  // namespace
 
-double WorstDeviation(const CadModelData& model, const ModelMesh& mesh)
+double WorstDeviation(const CadModelData& model, const ModelMesh& mesh, double enough)
 {
-    const double enough = 1e-7 * model.Box.Diagonal();
     double worst = 0.0;
     for (const FaceMesh& f : mesh.Faces) {
         Projector projector(FaceOf(model, f.Number));

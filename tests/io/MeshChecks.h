@@ -14,8 +14,10 @@ double SignedVolume(const TFloatDynArray& tri);
 double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh);
 // The largest distance from the face's surface of any vertex, triangle centre or side
 // midpoint of the mesh (400 triangles spread over a larger face): how far the mesh strays from
-// the exact part.
-double WorstDeviation(const CadModelData& model, const ModelMesh& mesh);
+// the exact part. A distance found by a local search from the point before that is within
+// Enough is taken as it is (an upper bound), so that only the points that may stray further
+// cost a global search.
+double WorstDeviation(const CadModelData& model, const ModelMesh& mesh, double enough);
 // The largest angle, in radians, between a vertex normal and the exact normal out of the
 // material, over the vertices that lie on their surface (within 1e-9 of the model's size).
 double WorstNormalAngle(const CadModelData& model, const ModelMesh& mesh);

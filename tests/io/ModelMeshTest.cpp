@@ -44,7 +44,7 @@ TEST(ModelMesh, QuadRoadClosesEveryTestPartWithinTheTolerance)
             TFloatDynArray tri, norm;
             JoinFaces(mesh, tri, norm);
             EXPECT_NEAR(MeshArea(tri) / model.ExactArea, 1.0, 0.005);
-            EXPECT_LE(WorstDeviation(model, mesh), tolerance);
+            EXPECT_LE(WorstDeviation(model, mesh, tolerance), tolerance);
             EXPECT_EQ(ZeroAreaTriangles(model, mesh), 0u);
             EXPECT_GT(WorstNormalAgreement(model, mesh), 0.5);
             if (part.Name == "sphere" || part.Name == "torus") {
@@ -142,7 +142,7 @@ TEST(ModelMesh, CadSamplesStayWithinTheTolerance)
             MeshSettings settings;
             settings.Tolerance = tolerance;
             const ModelMesh mesh = MeshModel(model, settings);
-            const double worst = WorstDeviation(model, mesh) / tolerance;
+            const double worst = WorstDeviation(model, mesh, tolerance) / tolerance;
             std::printf("%s at %g of the diagonal: worst deviation %.3f T, %zu zero-area triangles\n",
                         entry.path().filename().c_str(), share, worst, ZeroAreaTriangles(model, mesh));
             EXPECT_LE(worst, 1.0);
