@@ -235,16 +235,6 @@ Curve2d LineCurve(const gp_Pnt2d& a, const gp_Pnt2d& b)
     return new Geom2d_BSplineCurve(poles, knots, mults, 1);
 }
 
-double EdgeTolerance(const TopoDS_Edge& edge)
-{
-    double tol = BRep_Tool::Tolerance(edge);
-    TopoDS_Vertex first, last;
-    TopExp::Vertices(edge, first, last);
-    if (!first.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(first));
-    if (!last.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(last));
-    return std::max(tol, Precision::Confusion());
-}
-
 // The edge's curve on the face from its start to its end as the loop runs, or none for an
 // edge of no extent.
 bool EdgeCurve(const TopoDS_Edge& edge, const TopoDS_Face& face, int loop, int number, LoopCurve& out)

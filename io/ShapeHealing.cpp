@@ -78,16 +78,6 @@ Handle(Geom2d_BSplineCurve) FittedCurve(const Handle(Geom2d_Curve)& pcurve, doub
     return b;
 }
 
-double EdgeTolerance(const TopoDS_Edge& edge)
-{
-    double tol = BRep_Tool::Tolerance(edge);
-    TopoDS_Vertex first, last;
-    TopExp::Vertices(edge, first, last);
-    if (!first.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(first));
-    if (!last.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(last));
-    return std::max(tol, Precision::Confusion());
-}
-
 // The topological repairs, each on by choice: trim curves a period off across the seam
 // (shifted), 2D and 3D gaps at joints, edges out of order, degenerate edges missing at poles,
 // missing seams. What the readers' own healing left undone, these mend; wires are not split
@@ -285,6 +275,17 @@ TopoDS_Shape CutSpikes(const TopoDS_Shape& shape)
 }
 
 }  // namespace
+
+double EdgeTolerance(const TopoDS_Edge& Edge)
+{
+    double tol = BRep_Tool::Tolerance(Edge);
+    TopoDS_Vertex first, last;
+    TopExp::Vertices(Edge, first, last);
+    if (!first.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(first));
+    if (!last.IsNull()) tol = std::max(tol, BRep_Tool::Tolerance(last));
+    return std::max(tol, Precision::Confusion());
+}
+
 
 bool FitTrimCurvesIntoRange(const TopoDS_Face& Face)
 {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include <TopTools_DataMapOfShapeShape.hxx>
+#include <TopoDS_Edge.hxx>
 #include <TopoDS_Face.hxx>
 #include <TopoDS_Shape.hxx>
 
@@ -14,6 +15,9 @@ namespace orvane::io {
 
 // The shape after healing, and for each face that healing replaced, the face of the file it
 // stands for (labels and reports name the file's faces).
+// The largest tolerance of the edge and its vertices, and never below OpenCASCADE's confusion.
+double EdgeTolerance(const TopoDS_Edge& Edge);
+
 class HealedShape {
 public:
     // Heals Shape; a shape the healing fails on is kept as read.
