@@ -29,17 +29,43 @@ TPoint3D ObliqueViewTurn(const TPoint3D& P)
     return {a.X, cx * a.Y - sx * a.Z, sx * a.Y + cx * a.Z};
 }
 
+namespace {
+
+// The turned points' box and the half height of the view that fits it.
+struct ObliqueFit {
+    TPoint3D Lo{1e300, 1e300, 1e300};
+    TPoint3D Hi{-1e300, -1e300, -1e300};
+    double HalfY = 0.0;
+};
+
+ObliqueFit FitOblique(std::span<const TPoint3D> Points, int Width, int Height)
+{
+    ObliqueFit f;
+    for (const TPoint3D& p : Points) {
+        const TPoint3D r = ObliqueViewTurn(p);
+        f.Lo = {std::min(f.Lo.X, r.X), std::min(f.Lo.Y, r.Y), std::min(f.Lo.Z, r.Z)};
+        f.Hi = {std::max(f.Hi.X, r.X), std::max(f.Hi.Y, r.Y), std::max(f.Hi.Z, r.Z)};
+    }
+    const double aspect = static_cast<double>(Width) / Height;
+    f.HalfY = std::max((f.Hi.Y - f.Lo.Y) / 2, (f.Hi.X - f.Lo.X) / 2 / aspect);
+    return f;
+}
+
+}  // namespace
+
+double ObliqueViewPixelsPerUnit(std::span<const TPoint3D> Points, int Width, int Height)
+{
+    const double halfY = FitOblique(Points, Width, Height).HalfY;
+    return halfY > 0.0 ? Height / (2.0 * halfY) : 0.0;
+}
+
 void LoadObliqueView(std::span<const TPoint3D> Points, int Width, int Height)
 {
     using namespace dglOpenGL;
-    TPoint3D lo{1e300, 1e300, 1e300}, hi{-1e300, -1e300, -1e300};
-    for (const TPoint3D& p : Points) {
-        const TPoint3D r = ObliqueViewTurn(p);
-        lo = {std::min(lo.X, r.X), std::min(lo.Y, r.Y), std::min(lo.Z, r.Z)};
-        hi = {std::max(hi.X, r.X), std::max(hi.Y, r.Y), std::max(hi.Z, r.Z)};
-    }
+    const ObliqueFit fit = FitOblique(Points, Width, Height);
+    const TPoint3D lo = fit.Lo, hi = fit.Hi;
     const double aspect = static_cast<double>(Width) / Height;
-    const double halfY = std::max((hi.Y - lo.Y) / 2, (hi.X - lo.X) / 2 / aspect);
+    const double halfY = fit.HalfY;
     const double halfX = halfY * aspect;
     const double cx = (lo.X + hi.X) / 2, cy = (lo.Y + hi.Y) / 2, depth = hi.Z - lo.Z + 1.0;
     glViewport(0, 0, Width, Height);

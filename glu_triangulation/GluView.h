@@ -13,6 +13,10 @@ namespace orvane {
 // P turned as the view turns it.
 TPoint3D ObliqueViewTurn(const TPoint3D& P);
 
+// Model units a pixel of the view that LoadObliqueView fits to Points is, inverted: pixels
+// per model unit (0 for points of no extent).
+double ObliqueViewPixelsPerUnit(std::span<const TPoint3D> Points, int Width, int Height);
+
 // Sets the viewport to Width x Height and loads the projection and model-view matrices so
 // that Points, turned, fill the viewport in their longer projected direction. Needs a current
 // context with the entry points read.

@@ -68,20 +68,6 @@ double ScreenLength(const TPoint3D& V)
     return std::hypot(t.X, t.Y);
 }
 
-// Pixels per model unit of the view that LoadObliqueView fits to Points.
-double FittedPixelsPerUnit(const std::array<TPoint3D, 8>& Points, int Width, int Height)
-{
-    TPoint3D lo{INFINITY, INFINITY, INFINITY}, hi{-INFINITY, -INFINITY, -INFINITY};
-    for (const TPoint3D& p : Points) {
-        const TPoint3D r = ObliqueViewTurn(p);
-        lo = {std::min(lo.X, r.X), std::min(lo.Y, r.Y), std::min(lo.Z, r.Z)};
-        hi = {std::max(hi.X, r.X), std::max(hi.Y, r.Y), std::max(hi.Z, r.Z)};
-    }
-    const double aspect = static_cast<double>(Width) / Height;
-    const double halfY = std::max((hi.Y - lo.Y) / 2, (hi.X - lo.X) / 2 / aspect);
-    return halfY > 0.0 ? Height / (2.0 * halfY) : 0.0;
-}
-
 double MeshArea(const TFloatDynArray& Tri)
 {
     double area = 0.0;
@@ -119,7 +105,7 @@ struct GluRoad::State {
 };
 
 GluRoad::GluRoad(const BoundingBox& Box, int Width, int Height)
-    : FPixelsPerUnit(FittedPixelsPerUnit(Corners(Box), Width, Height)), FWidth(Width), FHeight(Height)
+    : FPixelsPerUnit(ObliqueViewPixelsPerUnit(Corners(Box), Width, Height)), FWidth(Width), FHeight(Height)
 {
     try {
         FState = std::make_unique<State>(Width, Height);
