@@ -1,10 +1,14 @@
 #include "io/EdgeTable.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRep_Tool.hxx>
+#include <BndLib_Add3dCurve.hxx>
+#include <Bnd_Box.hxx>
 #include <GCPnts_TangentialDeflection.hxx>
+#include <Standard_Failure.hxx>
 #include <TopExp.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Vertex.hxx>
@@ -16,9 +20,28 @@ namespace {
 // edge's size must not cost unbounded memory.
 constexpr int kMostEdgePoints = 100'000;
 
+// The sampler's deflection never falls below this share of the edge's extent: a tolerance
+// far below the edge's size (or an edge of absurd size) must not cost unbounded time.
+constexpr double kLeastDeflectionShare = 1e-6;
+
 TPoint3D Point(const gp_Pnt& p)
 {
     return {p.X(), p.Y(), p.Z()};
+}
+
+// The deflection to sample the curve at, or 0 where its extent is not finite and the curve
+// can only be taken evenly.
+double SamplingDeflection(const BRepAdaptor_Curve& Curve, double T0, double T1, double Tolerance)
+{
+    Bnd_Box box;
+    try {
+        BndLib_Add3dCurve::Add(Curve, T0, T1, 0.0, box);
+    } catch (const Standard_Failure&) {
+        return 0.0;
+    }
+    const double extent = box.IsVoid() ? 0.0 : std::sqrt(box.SquareExtent());
+    if (!std::isfinite(extent)) return 0.0;
+    return std::max(Tolerance, extent * kLeastDeflectionShare);
 }
 
 }  // namespace
@@ -49,11 +72,17 @@ void EdgeTable::Discretise(const TopoDS_Edge& Edge)
         params = {t0, t1};
     } else {
         const BRepAdaptor_Curve curve(Edge);
-        const GCPnts_TangentialDeflection sampler(curve, t0, t1, kEdgeAngularDeflection, FTolerance, 2);
-        const int n = sampler.NbPoints();
-        const int count = n > kMostEdgePoints ? kMostEdgePoints : std::max(n, 2);
-        for (int i = 1; i <= count; ++i)
-            params.push_back(count == n ? sampler.Parameter(i) : t0 + (t1 - t0) * (i - 1) / (count - 1));
+        const double deflection = SamplingDeflection(curve, t0, t1, FTolerance);
+        if (deflection > 0.0) {
+            const GCPnts_TangentialDeflection sampler(curve, t0, t1, kEdgeAngularDeflection, deflection, 2);
+            for (int i = 1; i <= sampler.NbPoints() && i <= kMostEdgePoints; ++i)
+                params.push_back(sampler.Parameter(i));
+        }
+        if (params.size() < 2 || params.size() == static_cast<std::size_t>(kMostEdgePoints)) {
+            const int count = params.size() < 2 ? 2 : kMostEdgePoints;
+            params.clear();
+            for (int i = 0; i < count; ++i) params.push_back(t0 + (t1 - t0) * i / (count - 1));
+        }
         params.front() = t0;
         params.back() = t1;
         for (double t : params) data.Points.push_back(Point(curve.Value(t)));

@@ -15,9 +15,11 @@
 #include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
 #include <TopoDS_Wire.hxx>
+#include <gp_Circ.hxx>
 
 #include "io/CadFileReader.h"
 #include "io/CadModelReader.h"
+#include "io/EdgeTable.h"
 #include "io/FaceConverter.h"
 #include "io/IsolatedReader.h"
 #include "tests/io/parts/TestShapes.h"
@@ -117,6 +119,16 @@ TEST(BadFiles, AFaceWithAnOpenLoopIsSkippedWithItsReason)
     } catch (const EFaceSkipped& e) {
         EXPECT_STREQ(e.what(), "open trim loop: loop 1 has a gap of 10 in UV after edge 3");
     }
+}
+
+TEST(BadFiles, AnEdgeFarLargerThanTheToleranceTakesBoundedPoints)
+{
+    // A circle a billion times the tolerance would need tens of millions of chords.
+    EdgeTable edges(1e-3);
+    const TopoDS_Edge edge = BRepBuilderAPI_MakeEdge(gp_Circ(gp_Ax2(), 1e12)).Edge();
+    const std::size_t points = edges.Data(edges.Index(edge)).Points.size();
+    EXPECT_GT(points, 30u);
+    EXPECT_LT(points, 10'000u);
 }
 
 TEST(BadFiles, AFaceWithAbsurdKnotsIsSkippedAndTheRestGoOn)
