@@ -5,10 +5,14 @@
 #include <cmath>
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 
+#include "contracts/QuadGrid.h"
+#include "contracts/QuadLoops.h"
 #include "contracts/TessQuadsTool.h"
 #include "io/FacePreparation.h"
 #include "io/KernelFace.h"
+#include "io/QuadStrips.h"
 #include "tessellation/SurfaceTriangulatorChecker.h"
 #include "tessellation/TessQuadsInvoker.h"
 
@@ -53,14 +57,18 @@ struct PointKeyHash {
     std::size_t operator()(const PointKey& k) const noexcept { return std::hash<std::uint64_t>()(k.X * 0x9E3779B97F4A7C15ULL ^ k.Y); }
 };
 
+PointKey KeyOf(const TPoint2D& p)
+{
+    return {std::bit_cast<std::uint64_t>(p.X + 0.0), std::bit_cast<std::uint64_t>(p.Y + 0.0)};
+}
+
 // The plane point's vertex, made on first sight: the quad tool gives a corner shared by
 // several quads bit for bit.
 class VertexTable {
 public:
     int Of(const TPoint2D& p)
     {
-        const PointKey key{std::bit_cast<std::uint64_t>(p.X + 0.0), std::bit_cast<std::uint64_t>(p.Y + 0.0)};
-        const auto [it, added] = FIndex.try_emplace(key, static_cast<int>(FPlane.size()));
+        const auto [it, added] = FIndex.try_emplace(KeyOf(p), static_cast<int>(FPlane.size()));
         if (added) FPlane.push_back(p);
         return it->second;
     }
@@ -77,6 +85,14 @@ double XTolOf(const PreparedFace& prepared, const TVPolyline2D& outer)
         return TTessQuadsInvoker(prepared.Plan.Type, DefaultSampleRange / 100.0).GetXInternal(outer);
     const double range = TSurfaceTriangulatorChecker::CheckSurfaceSampleRange(prepared.Surface.get(), prepared.Plan.Type);
     return fSmall(range, kRowSpacing, 1e-6) ? kRowSpacing : range;
+}
+
+// The column grid the quad tool lays over these loops.
+QuadGrid GridOf(const TObjectList<TVPolyline2D>& polylines, double xTol)
+{
+    std::vector<const TVPoint2DList*> loops;
+    for (const TVPolyline2D* polyline : polylines) loops.push_back(polyline);
+    return MakeQuadGrid(LoopExtent(CleanQuadLoops(loops).front()), xTol, kRowSpacing, TTessQuadsTool::MaxQuadCount);
 }
 
 double Length(const TPoint3D& v)
@@ -112,6 +128,36 @@ std::vector<std::vector<TPoint2D>> MapLoops(const std::vector<BoundaryLoop>& loo
         for (const TPoint2D& p : l.UV) mapped.back().push_back(m.ToPlane(p));
     }
     return mapped;
+}
+
+// Loop points whose X lie within Eps of each other take one X. The quad tool cuts the whole
+// region at every distinct X of the loops, and an iso-parameter edge whose converted points
+// jitter around one X by rounding would cut every row into hundreds of slivers.
+void ShareCloseX(std::vector<std::vector<TPoint2D>>& loops, double eps)
+{
+    std::vector<double> xs;
+    for (const auto& loop : loops)
+        for (const TPoint2D& p : loop) xs.push_back(p.X);
+    std::sort(xs.begin(), xs.end());
+    std::vector<double> firsts;
+    for (const double x : xs)
+        if (firsts.empty() || x - firsts.back() > eps) firsts.push_back(x);
+    for (auto& loop : loops)
+        for (TPoint2D& p : loop) p.X = *(std::upper_bound(firsts.begin(), firsts.end(), p.X) - 1);
+}
+
+// How far a loop point may move along X: a ten-thousandth of a row and of the loops' width,
+// and never more than a hundredth of the tolerance on the surface.
+double ShareOfX(const FaceData& f, const PreparationPlan& plan, double tolerance, const std::vector<std::vector<TPoint2D>>& loops)
+{
+    double x0 = loops.front().front().X, x1 = x0;
+    for (const TPoint2D& p : loops.front()) {
+        x0 = std::min(x0, p.X);
+        x1 = std::max(x1, p.X);
+    }
+    const double most = plan.XIsU ? f.Bounds.MaxSu : f.Bounds.MaxSv;
+    const double eps = 1e-4 * std::min(kRowSpacing, x1 - x0);
+    return most > 0.0 ? std::min(eps, 0.01 * tolerance * plan.X.Scale / most) : eps;
 }
 
 // Every vertex on an edge of one triangle only learns where it lies on the loops.
@@ -174,18 +220,31 @@ FaceDraft DraftQuadFace(const FaceData& F, double Tolerance, long long MaxQuads)
     d.Tolerance = Tolerance;
     d.Loops = FaceBoundary(F);
     if (d.Loops.empty()) throw EFaceRefused("the face has no boundary loop with area");
-    const std::vector<std::vector<TPoint2D>> mapped = MapLoops(d.Loops, map);
+    std::vector<std::vector<TPoint2D>> mapped = MapLoops(d.Loops, map);
+    ShareCloseX(mapped, ShareOfX(F, prepared.Plan, Tolerance, mapped));
     TObjectList<TVPolyline2D> polylines;
     for (const auto& loop : mapped) polylines.Add(new TVPolyline2D(loop));
-    const auto units = TTessQuadsTool::CreateDrawQuads(polylines, XTolOf(prepared, *polylines.First()), kRowSpacing, false);
+    const double xTol = XTolOf(prepared, *polylines.First());
+    const auto units = TTessQuadsTool::CreateDrawQuads(polylines, xTol, kRowSpacing, false);
+    std::vector<PlaneQuad> pieces;
+    for (const TViewUnit& unit : *units)
+        for (int k = 0; k + 3 < unit.Points2D.Count(); k += 4)
+            pieces.push_back({unit.Points2D[k], unit.Points2D[k + 1], unit.Points2D[k + 2], unit.Points2D[k + 3]});
+    const QuadGrid grid = GridOf(polylines, xTol);
+    std::unordered_set<PointKey, PointKeyHash> loopPoints;
+    for (const auto& loop : mapped)
+        for (const TPoint2D& p : loop) loopPoints.insert(KeyOf(p));
+    const auto polygons = JoinStrips(
+        pieces, [&grid](double x) { return grid.ColumnX(grid.NearestColumn(x)) == x; },
+        [&loopPoints](const TPoint2D& p) { return loopPoints.contains(KeyOf(p)); });
 
     const auto surface = BuildKernelSurface(F.Surface);
     VertexTable table;
-    std::vector<std::array<int, 4>> quads;
-    for (const TViewUnit& unit : *units)
-        for (int k = 0; k + 3 < unit.Points2D.Count(); k += 4)
-            quads.push_back({table.Of(unit.Points2D[k]), table.Of(unit.Points2D[k + 1]), table.Of(unit.Points2D[k + 2]),
-                             table.Of(unit.Points2D[k + 3])});
+    std::vector<std::vector<int>> corners;
+    for (const auto& polygon : polygons) {
+        corners.emplace_back();
+        for (const TPoint2D& p : polygon) corners.back().push_back(table.Of(p));
+    }
     for (const TPoint2D& p : table.Plane()) {
         DraftVertex v;
         v.UV = map.FromPlane(p);
@@ -197,7 +256,17 @@ FaceDraft DraftQuadFace(const FaceData& F, double Tolerance, long long MaxQuads)
     // The quad tool's corners run clockwise in its plane; counter-clockwise in UV is along
     // the surface normal, which the material takes unless the face is reversed.
     const bool keep = map.XIsU == F.Reversed;
-    for (const auto& q : quads) AddQuad(keep ? q : std::array<int, 4>{q[0], q[3], q[2], q[1]}, d);
+    for (std::size_t k = 0; k < polygons.size(); ++k) {
+        const std::vector<int>& c = corners[k];
+        if (c.size() == 4) {
+            AddQuad(keep ? std::array<int, 4>{c[0], c[1], c[2], c[3]} : std::array<int, 4>{c[0], c[3], c[2], c[1]}, d);
+            continue;
+        }
+        for (const auto& t : StripTriangles(polygons[k])) {
+            const int a = c[static_cast<std::size_t>(t[0])], b = c[static_cast<std::size_t>(t[1])], e = c[static_cast<std::size_t>(t[2])];
+            d.Triangles.push_back(keep ? std::array<int, 3>{a, b, e} : std::array<int, 3>{a, e, b});
+        }
+    }
     const double tol = 1e-6 * kRowSpacing;
     LocateBoundary(d, table.Plane(), BoundaryLocator(d.Loops, mapped, tol));
     MendPoleNormals(d, *surface, F.Reversed, NormalFloor(F));
