@@ -59,6 +59,8 @@ struct DerivativeBounds {
     double MaxSv = 0.0;   // largest |dS/dv|
     double MaxSuu = 0.0;  // largest |d2S/du2 . n|; |d2S/du2| where n is undefined (a pole)
     double MaxSvv = 0.0;  // largest |d2S/dv2 . n|; likewise
+    double MaxTurnU = 0.0;  // largest |d2S/du2 . n| / |dS/du|: radians the normal turns per unit of u
+    double MaxTurnV = 0.0;  // likewise along v
 };
 
 struct FaceData {

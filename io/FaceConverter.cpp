@@ -215,6 +215,9 @@ DerivativeBounds SampleDerivatives(const Handle(Geom_BSplineSurface)& s)
             const bool hasNormal = length > 1e-12 * std::max(1.0, su.SquareMagnitude() + sv.SquareMagnitude());
             b.MaxSuu = std::max(b.MaxSuu, hasNormal ? std::fabs(suu.Dot(n)) / length : suu.Magnitude());
             b.MaxSvv = std::max(b.MaxSvv, hasNormal ? std::fabs(svv.Dot(n)) / length : svv.Magnitude());
+            if (!hasNormal) continue;
+            if (su.Magnitude() > 0.0) b.MaxTurnU = std::max(b.MaxTurnU, std::fabs(suu.Dot(n)) / (length * su.Magnitude()));
+            if (sv.Magnitude() > 0.0) b.MaxTurnV = std::max(b.MaxTurnV, std::fabs(svv.Dot(n)) / (length * sv.Magnitude()));
         }
     return b;
 }

@@ -13,6 +13,8 @@ namespace {
 constexpr double kRowSpacing = DefaultSampleRange / 2.0;  // h: the road's row spacing and column floor
 constexpr double kRangeTol = 1e-6;                        // the road's margin on the column floor
 
+constexpr double kMostTurn = 0.35;  // a: radians the normal may turn across one part
+
 constexpr long long kHugeParts = 1'000'000'000'000'000LL;  // stands for "more than any bound"
 
 // Parts of a grid over span L at spacing w: the quad tool's rounding, to 1e-12 relative.
@@ -38,11 +40,11 @@ int KnotsForColumns(int n, int p, double needed)
 }
 
 // N_d and L_d of one direction; fills Span, Needed and Scale.
-DirectionPlan ScaleDirection(double span, double maxSecond, const PreparationSettings& s)
+DirectionPlan ScaleDirection(double span, double maxSecond, double maxTurn, const PreparationSettings& s)
 {
     DirectionPlan d;
     d.Span = span;
-    d.Needed = span * std::sqrt(maxSecond / (2.0 * s.Tolerance));
+    d.Needed = span * std::max(std::sqrt(maxSecond / (2.0 * s.Tolerance)), maxTurn / kMostTurn);
     const double length = kRowSpacing * std::max(d.Needed, 1.0);
     d.Scale = length / span;
     return d;
@@ -87,8 +89,8 @@ PreparationPlan PlanPreparation(const FaceData& F, TExtrusionType Type, bool Sim
     plan.Simple = Simple;
     plan.XIsU = Type != TExtrusionType::UDir;
     const double spanU = s.KnotsU.back() - s.KnotsU.front(), spanV = s.KnotsV.back() - s.KnotsV.front();
-    const DirectionPlan u = ScaleDirection(spanU, b.MaxSuu, Settings);
-    const DirectionPlan v = ScaleDirection(spanV, b.MaxSvv, Settings);
+    const DirectionPlan u = ScaleDirection(spanU, b.MaxSuu, b.MaxTurnU, Settings);
+    const DirectionPlan v = ScaleDirection(spanV, b.MaxSvv, b.MaxTurnV, Settings);
     plan.X = plan.XIsU ? u : v;
     plan.Y = plan.XIsU ? v : u;
     plan.Y.Parts = PartsOf(plan.Y.Scale * plan.Y.Span, kRowSpacing);

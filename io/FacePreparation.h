@@ -8,12 +8,15 @@
 // a surface straight along U only, where X is V.) So a face's parameters decide its density.
 //
 // For each direction d of the plane, with s_d the knot span, M_d the largest second
-// derivative across the surface (in the face's own parameters), T the tolerance and h = 0.05:
+// derivative across the surface (in the face's own parameters), K_d the largest turn of the
+// normal per unit of parameter, T the tolerance, h = 0.05 and a = 0.35 rad:
 //
-//   N_d = s_d * sqrt(M_d / (2 T))       parts that keep every chord within T / 4, so that a
-//                                        triangle, off by both directions' chords, stays within
+//   N_d = s_d * max(sqrt(M_d / (2 T)),   parts that keep every chord within T / 4, so that a
+//                   K_d / a)             triangle, off by both directions' chords, stays within
 //                                        T / 2, and within T beside a boundary whose polyline is
-//                                        itself within T / 2: h_d^2 M_d / 8 <= T / 4
+//                                        itself within T / 2: h_d^2 M_d / 8 <= T / 4; and that
+//                                        turn the normal by at most a, so that a small radius
+//                                        keeps its area at a coarse tolerance
 //   L_d = h * max(N_d, 1)                the prepared span, never below one part, so that the
 //                                        quad tool's merging stays far below the loops' detail
 //   p -> (L_d / s_d) * (p - p0)          the affine change of parameter (knots and trim curves)

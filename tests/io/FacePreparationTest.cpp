@@ -55,6 +55,12 @@ TEST(FacePreparation, PlansRowsByScalingAndColumnsByKnotsAsTheFormulasSay)
     EXPECT_EQ(t.X.Parts, 3);
     EXPECT_EQ(t.Y.Parts, 100);
     EXPECT_EQ(PlanPreparation(Patch(1.0, 1.0, 200.0, 0.08), TExtrusionType::UVDir, true, s).X.Parts, 1);
+
+    // A normal turning 1.4 rad per unit of V over a span of 3 needs 3 * 1.4 / 0.35 = 12 parts,
+    // more than the chords ask for.
+    FaceData turning = Patch(1.0, 5000.0, 200.0, 0.08);
+    turning.Bounds.MaxTurnV = 1.4;
+    EXPECT_NEAR(PlanPreparation(turning, TExtrusionType::NotExtrusion, false, s).Y.Needed, 12.0, 1e-9);
 }
 
 TEST(FacePreparation, AppliedPlanGivesTheRoadThePlannedColumnsAndRows)
