@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "contracts/DPSimplify.h"
+#include "contracts/GeBezier.h"
 
 namespace orvane {
 namespace {
@@ -11,12 +12,7 @@ namespace {
 double DistanceTo(const TVPoint2DList& line, const TPoint2D& p)
 {
     double best = INFINITY;
-    for (int i = 0; i + 1 < line.Count(); ++i) {
-        const TPoint2D a = line[i], d = line[i + 1] - line[i];
-        const double len2 = d.X * d.X + d.Y * d.Y;
-        const double t = len2 > 0 ? std::clamp(((p.X - a.X) * d.X + (p.Y - a.Y) * d.Y) / len2, 0.0, 1.0) : 0.0;
-        best = std::min(best, p.DistanceTo(a + d * t));
-    }
+    for (int i = 0; i + 1 < line.Count(); ++i) best = std::min(best, ge::DistanceToSegment(p, line[i], line[i + 1]));
     return best;
 }
 

@@ -10,6 +10,7 @@
 #include "contracts/Cadgeometry.h"
 #include "contracts/Shapes.h"
 #include "contracts/SurfaceArea.h"
+#include "tests/support/MessageCapture.h"
 
 namespace orvane {
 namespace {
@@ -22,11 +23,7 @@ void ExpectNear(const TPoint3D& A, const TPoint3D& B, double Tol = 1e-12)
                                   << ", " << B.Z << ")";
 }
 
-std::string MessageOf(const std::function<void()>& Build)
-{
-    try { Build(); } catch (const EArgumentException& e) { return e.what(); }
-    return "no exception";
-}
+std::string MessageOf(const std::function<void()>& Build) { return testing::Raised<EArgumentException>(Build); }
 
 // A full circle of radius R about C: nine control points, quarter arcs.
 std::unique_ptr<TGeSpline2D> Circle(const TPoint2D& C, double R)

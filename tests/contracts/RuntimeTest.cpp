@@ -16,13 +16,9 @@ constexpr const char* kUnitName = "RuntimeTest";
 
 TEST(Assertion, RaisesWithTextUnitAndLine)
 {
-    const int line = __LINE__ + 1;
-    try { Assert(1 + 1 == 3); FAIL(); } catch (const EAssertionFailed& e) {
-        EXPECT_EQ(e.Message(), "Assertion failure (RuntimeTest, line " + std::to_string(line) + ")");
-    }
-    try { Assert(false, "own text"); FAIL(); } catch (const EAssertionFailed& e) {
-        EXPECT_EQ(std::string(e.what()).rfind("own text (RuntimeTest, line ", 0), 0u);
-    }
+    const auto at = [](int line) { return " (RuntimeTest, line " + std::to_string(line) + ")"; };
+    EXPECT_EQ(testing::Raised<EAssertionFailed>([] { Assert(1 + 1 == 3); }), "Assertion failure" + at(__LINE__));
+    EXPECT_EQ(testing::Raised<EAssertionFailed>([] { Assert(false, "own text"); }), "own text" + at(__LINE__));
     EXPECT_NO_THROW(Assert(true));
 }
 
@@ -42,7 +38,7 @@ TEST(Lists, CheckIndicesKeepOrderCopyDeepMoveEmptyAndOwnOnlyWhatTheyOwn)
     EXPECT_THROW(list.GetItem(4), EArgumentOutOfRangeException);
     EXPECT_THROW(list.Delete(-1), EArgumentOutOfRangeException);
     EXPECT_THROW(TViewUnitList().First(), EArgumentOutOfRangeException);
-    try { list.GetItem(-1); FAIL(); } catch (const Exception& e) { EXPECT_STREQ(e.what(), "Argument out of range"); }
+    EXPECT_EQ(testing::Raised<Exception>([&] { list.GetItem(-1); }), "Argument out of range");
 
     TList<std::vector<int>> a;
     a.Add({1, 2});
