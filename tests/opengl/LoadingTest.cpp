@@ -1,5 +1,6 @@
 // Loading OpenGL and GLU: the libraries, the legacy units, which entry points a context gets,
-// the unit start, the hand-written GLU function types; the recording fakes other tests build on.
+// the unit start, the hand-written GLU function types; the version parser, the version and
+// extension flags and the extension text, read from a driver faked through the entry points.
 #include <gtest/gtest.h>
 
 #include <cxxabi.h>
@@ -12,6 +13,7 @@
 #include <set>
 #include <string>
 #include <typeinfo>
+#include <vector>
 
 #include "opengl/GL.h"
 #include "opengl/GLu.h"
@@ -33,31 +35,31 @@ using testing::GlRecorder;
 using testing::GlTableSnapshot;
 using testing::Raised;
 
-int CountSet(std::span<const registry::TSlot> slots)
+// How many of the variables of a table are set.
+int CountSet(const auto& table)
 {
-    return static_cast<int>(std::count_if(slots.begin(), slots.end(), [](const auto& s) { return registry::SlotValue(s.Slot); }));
+    return static_cast<int>(std::count_if(table.begin(), table.end(), [](const auto& s) { return registry::SlotValue(s.Slot); }));
 }
 
-int CountSetCommands()
-{
-    int set = 0;
-    for (const auto& command : registry::GLCommands()) set += registry::SlotValue(command.Slot) ? 1 : 0;
-    return set;
-}
+// The tables saved and the libraries loaded for the length of a test.
+class LoadedGL : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(InitOpenGL("libGL.so.1", "libGLU.so.1")); }
+
+    GlTableSnapshot FSnapshot;
+};
 
 TEST(GlRecorder, RecordsCallsInOrderAndPutsTheRealEntriesBack)
 {
     const auto realBegin = glBegin;
     {
         GlRecorder rec;
-        rec.Record<&glBegin>();
+        rec.RecordAll<&glBegin, &gluNurbsProperty>();
         rec.Record<&glCreateShader>([](GLenum) { return 41u; });
-        rec.Record<&gluNurbsProperty>();
         glBegin(GL_TRIANGLES);
         EXPECT_EQ(glCreateShader(GL_VERTEX_SHADER), 41u);
         gluNurbsProperty(nullptr, GLU_SAMPLING_TOLERANCE, 12.5f);
-        EXPECT_EQ(rec.Texts(), (std::vector<std::string>{"glBegin(4)", "glCreateShader(35633)",
-                                                         "gluNurbsProperty(nil, 100203, 12.5)"}));
+        EXPECT_EQ(rec.Texts(), (std::vector<std::string>{"glBegin(4)", "glCreateShader(35633)", "gluNurbsProperty(nil, 100203, 12.5)"}));
     }
     EXPECT_EQ(glBegin, realBegin);
     EXPECT_EQ(GlRecorder::Current(), nullptr);
@@ -121,24 +123,20 @@ TEST(InitOpenGL, FillsTheWglNamesFromThePlatformAndGluFromItsLibrary)
     // Names outside the registry come from the library as they are.
     EXPECT_NE(dglGetProcAddress("gluNurbsSurface", GLU_LibHandle), nullptr);
     EXPECT_EQ(dglGetProcAddress("gluNoSuchFunction", GLU_LibHandle), nullptr);
-    EXPECT_EQ(dglGetProcAddress("wglCreateContextAttribsARB"),
-              reinterpret_cast<void*>(&orvane::wglCreateContextAttribsARB));
+    EXPECT_EQ(dglGetProcAddress("wglCreateContextAttribsARB"), reinterpret_cast<void*>(&orvane::wglCreateContextAttribsARB));
 }
 
-TEST(LoadingRule, WithoutAContextOnlyOpenGL11ThenTheContextsVersionAfterActivation)
+TEST_F(LoadedGL, WithoutAContextOnlyOpenGL11ThenTheContextsVersionAfterActivation)
 {
-    GlTableSnapshot snapshot;
-    ASSERT_TRUE(InitOpenGL("libGL.so.1", "libGLU.so.1"));
     ASSERT_EQ(wglGetCurrentContext(), nullptr);
     // The library has glDrawRangeElements of OpenGL 1.2, but without a context it is not given.
     ASSERT_NE(dlsym(GL_LibHandle, "glDrawRangeElements"), nullptr);
     EXPECT_EQ(dglGetProcAddress("glDrawRangeElements"), nullptr);
     ReadExtensions();
-    EXPECT_EQ(CountSetCommands(), 336);
+    EXPECT_EQ(CountSet(registry::GLCommands()), 336);
     const auto later = [] {
         return std::vector<bool>{glGenBuffers != nullptr, glGenVertexArrays != nullptr, glCreateShader != nullptr,
-                                 glUniformMatrix4fv != nullptr, glGenerateMipmap != nullptr,
-                                 glDrawRangeElements != nullptr};
+                                 glUniformMatrix4fv != nullptr, glGenerateMipmap != nullptr, glDrawRangeElements != nullptr};
     };
     EXPECT_EQ(later(), std::vector<bool>(6, false));
 
@@ -181,24 +179,20 @@ TEST(LoadingRule, WithAContextANameIsSetExactlyWhenTheContextOffersIt)
     const registry::TGLCommand* byExtension = nullptr;
     for (const auto& command : registry::GLCommands()) {
         const bool byVersion = command.Version != 0 && command.Version <= contextVersion;
-        if (byVersion) {
-            EXPECT_NE(registry::SlotValue(command.Slot), nullptr) << command.Name;  // fixed-function ones too
-        }
+        EXPECT_TRUE(!byVersion || registry::SlotValue(command.Slot)) << command.Name;  // fixed-function ones too
         if (!withheld && !byVersion && !byList(command) && dlsym(GL_LibHandle, command.Name)) withheld = &command;
         if (!byExtension && command.Version == 0 && byList(command)) byExtension = &command;
     }
-    ASSERT_NE(withheld, nullptr);
-    ASSERT_NE(byExtension, nullptr);
+    ASSERT_TRUE(withheld && byExtension);
     EXPECT_EQ(dglGetProcAddress(withheld->Name), nullptr) << withheld->Name;
     EXPECT_EQ(registry::SlotValue(withheld->Slot), nullptr) << withheld->Name;
     EXPECT_NE(dglGetProcAddress(byExtension->Name), nullptr) << byExtension->Name;
     EXPECT_NE(registry::SlotValue(byExtension->Slot), nullptr) << byExtension->Name;
 }
 
-TEST(QuickReadExtensions, ReadsOnlyWhileAVariableOfTheTestIsNil)
+
+TEST_F(LoadedGL, QuickReadExtensionsReadsOnlyWhileAVariableOfTheTestIsNil)
 {
-    GlTableSnapshot snapshot;
-    ASSERT_TRUE(InitOpenGL("libGL.so.1", "libGLU.so.1"));
     GL_LibHandle = nullptr;  // every lookup now goes through wglGetProcAddress
     GlRecorder rec;
     rec.RecordAll<&dglOpenGL::wglGetProcAddress, &glGenBuffers, &glGenerateMipmap>();
@@ -222,10 +216,7 @@ TEST(UnitStart, MasksFloatingPointExceptionsReadsTheExportsAndStopKeepsTheLibrar
     const int enabled = fegetexcept();
     fesetenv(&saved);
     EXPECT_EQ(enabled, 0);
-    EXPECT_NE(GLU_LibHandle, nullptr);
-    EXPECT_TRUE(ExtensionsRead);
-    EXPECT_NE(glBegin, nullptr);
-    EXPECT_NE(gluNurbsSurface, nullptr);
+    EXPECT_TRUE(GLU_LibHandle && ExtensionsRead && glBegin && gluNurbsSurface);
     StopUnit_dglOpenGL();
     EXPECT_NE(GL_LibHandle, nullptr);
 
@@ -234,7 +225,6 @@ TEST(UnitStart, MasksFloatingPointExceptionsReadsTheExportsAndStopKeepsTheLibrar
     m.Reset();
     for (int i = 0; i < 16; ++i) EXPECT_EQ(m.Data()[i], i % 5 == 0 ? 1.0f : 0.0f) << i;
 }
-
 
 // The type in words, without the namespace of the opaque GLU records: dglOpenGL::GLUnurbs
 // names the same record as the header's GLUnurbs.
@@ -256,6 +246,102 @@ TEST(GluTypes, EveryHandWrittenTypeIsTheLibraryHeadersType)
 #define ORVANE_COMPARE_TYPE(fn) EXPECT_EQ(Readable(typeid(dglOpenGL::T##fn).name()), Readable(header.at(#fn).c_str()));
     ORVANE_GLU_FUNCTIONS(ORVANE_COMPARE_TYPE)
 #undef ORVANE_COMPARE_TYPE
+}
+
+TEST(VersionParser, TakesTheNumbersAroundTheFirstFullStop)
+{
+    const struct { const char* Text; int Major, Minor; } cases[] = {
+        {"4.6.0 NVIDIA 512.15", 4, 6}, {"OpenGL ES 3.2 Mesa 22.3.6", 3, 2}, {"1.1.0", 1, 1}, {"3.10", 3, 1},
+        {"v12.3", 12, 3}, {"4", 0, 0}, {"", 0, 0}, {".5", 0, 0}, {"4.", 0, 0}, {"Version 4.x", 0, 0},
+        {"99999999999.1", 0, 0}};  // a major that does not convert
+    for (const auto& c : cases) {
+        const auto v = ParseGLVersion(c.Text);
+        EXPECT_EQ(v.Major * 100 + v.Minor, c.Major * 100 + c.Minor) << c.Text;
+    }
+}
+
+// What the faked driver answers.
+struct TDriver {
+    std::string Version;
+    std::string Extensions;            // glGetString(GL_EXTENSIONS)
+    std::vector<std::string> Indexed;  // glGetStringi(GL_EXTENSIONS, i)
+    std::string ClientText;            // wglGetExtensionsStringEXT
+    std::string DisplayText;           // wglGetExtensionsStringARB
+    std::string GluVersion;            // empty: gluGetString is nil
+};
+
+TDriver gDriver;
+
+const GLubyte* Bytes(const std::string& text) { return reinterpret_cast<const GLubyte*>(text.c_str()); }
+
+// Installs the driver and reads the properties from it.
+void Read(GlRecorder& rec, TDriver driver)
+{
+    gDriver = std::move(driver);
+    rec.Record<&glGetString>([](GLenum name) { return Bytes(name == GL_VERSION ? gDriver.Version : gDriver.Extensions); });
+    rec.Record<&glGetIntegerv>([](GLenum, GLint* value) { *value = static_cast<GLint>(gDriver.Indexed.size()); });
+    rec.Record<&glGetStringi>([](GLenum, GLuint i) { return Bytes(gDriver.Indexed.at(i)); });
+    rec.Record<&dglOpenGL::wglGetExtensionsStringEXT>([] { return gDriver.ClientText.c_str(); });
+    rec.Record<&dglOpenGL::wglGetExtensionsStringARB>([](HDC) { return gDriver.DisplayText.c_str(); });
+    rec.Record<&dglOpenGL::wglGetCurrentDC>();
+    if (gDriver.GluVersion.empty())
+        gluGetString = nullptr;
+    else
+        rec.Record<&gluGetString>([](GLenum) { return Bytes(gDriver.GluVersion); });
+    ReadImplementationProperties();
+}
+
+TEST_F(LoadedGL, VersionFlagsAreThePrefixUpToTheParsedVersionGluFlagsLookAtTheMinorOnly)
+{
+    // The GL flags that are true, as many as given and ending with the one named; GLU 1.1 to 1.3.
+    const struct { const char* Version; std::size_t Count; const char* Last; const char* Glu; std::vector<bool> GluFlags; }
+        cases[] = {{"5.0", 13, "GL_VERSION_4_0", "1.3", {true, true, true}},
+                   {"4.6.0 NVIDIA 512.15", 19, "GL_VERSION_4_6", "1.2 Mesa", {true, true, false}},
+                   {"3.1 Mesa", 10, "GL_VERSION_3_1", "2.0", {true, false, false}},
+                   {"2.0", 7, "GL_VERSION_2_0", "", {false, false, false}},  // gluGetString nil
+                   {"1.3", 4, "GL_VERSION_1_3", "1.3", {true, true, true}},
+                   {"4", 1, "GL_VERSION_1_0", "1.3", {true, true, true}},
+                   {"", 1, "GL_VERSION_1_0", "1.3", {true, true, true}}};
+    const auto flags = VersionFlags();
+    for (const auto& c : cases) {
+        GlRecorder rec;
+        Read(rec, {c.Version, "", {}, "", "", c.Glu});
+        ASSERT_STREQ(flags[c.Count - 1].Name, c.Last);
+        for (std::size_t i = 0; i < flags.size(); ++i)
+            EXPECT_EQ(*flags[i].Value, i < c.Count) << c.Version << ": " << flags[i].Name;
+        EXPECT_EQ((std::vector<bool>{GLU_VERSION_1_1, GLU_VERSION_1_2, GLU_VERSION_1_3}), c.GluFlags) << c.Glu;
+    }
+    EXPECT_TRUE(ImplementationRead);
+}
+
+TEST_F(LoadedGL, ExtensionFlagsTestWholeWordsOfGlAndEglAndFromVersion3TheListComesFromGetStringi)
+{
+    {
+        GlRecorder rec;
+        GL_ARB_multitexture = true;
+        Read(rec, {"2.1", "GL_ARB_multitexture_extra GL_EXT_abgr GL_NV_fence", {}, "EGL_EXT_platform_base", "EGL_KHR_image_base", ""});
+        EXPECT_FALSE(GL_ARB_multitexture);  // only a longer name begins with it
+        // The first and last words of the GL text, the client and the display extensions of EGL.
+        EXPECT_TRUE(GL_EXT_abgr && GL_NV_fence && EGL_EXT_platform_base && EGL_KHR_image_base);
+        EXPECT_FALSE(GL_ARB_vertex_array_object);
+        EXPECT_TRUE(ExtensionInText(" a b ", "a"));
+        EXPECT_FALSE(ExtensionInText(" ab ", "a"));
+        EXPECT_FALSE(ExtensionInText("a", "a"));  // no blank around it
+        // An EGL-only name is found, and the text is built anew at every check.
+        EXPECT_TRUE(dglCheckExtension("EGL_KHR_image_base"));
+        EXPECT_FALSE(dglCheckExtension("EGL_KHR_image"));
+        gDriver.Extensions = "GL_EXT_bgra";
+        EXPECT_TRUE(dglCheckExtension("GL_EXT_bgra"));
+        EXPECT_FALSE(dglCheckExtension("GL_EXT_abgr"));
+    }
+    GlRecorder rec;
+    Read(rec, {"3.3", "GL_NV_fence", {"GL_ARB_sync", "GL_KHR_debug"}, "EGL_C", "EGL_KHR_surfaceless_context", ""});
+    EXPECT_TRUE(GL_ARB_sync && GL_KHR_debug);
+    EXPECT_FALSE(GL_NV_fence);
+    for (const auto& call : rec.CallsOf("glGetString")) EXPECT_EQ(call.Args[0], GL_VERSION);  // never GL_EXTENSIONS
+    EXPECT_EQ(rec.Count("glGetStringi"), 2u);
+    EXPECT_EQ(rec.CallsOf("glGetIntegerv").at(0).Args[0], GL_NUM_EXTENSIONS);
+    EXPECT_EQ(ReadExtensionText(), "  GL_ARB_sync GL_KHR_debug EGL_C EGL_KHR_surfaceless_context ");
 }
 
 }  // namespace

@@ -16,14 +16,19 @@ struct ShownMessage {
 
 class MessageCapture {
 public:
-    MessageCapture();
-    ~MessageCapture();
+    MessageCapture() { FPrevious = AppSys.SetMessageSink([this](const std::string& text, int kind) { FMessages.push_back({text, kind}); }); }
+    ~MessageCapture() { AppSys.SetMessageSink(std::move(FPrevious)); }
     MessageCapture(const MessageCapture&) = delete;
     MessageCapture& operator=(const MessageCapture&) = delete;
 
     const std::vector<ShownMessage>& Messages() const { return FMessages; }
     // The texts alone, in the order shown.
-    std::vector<std::string> Texts() const;
+    std::vector<std::string> Texts() const
+    {
+        std::vector<std::string> texts;
+        for (const auto& m : FMessages) texts.push_back(m.Text);
+        return texts;
+    }
 
 private:
     std::vector<ShownMessage> FMessages;

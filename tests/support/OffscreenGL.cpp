@@ -27,27 +27,12 @@ OffscreenGL::~OffscreenGL()
     DeleteOffscreenDC(FDC);
 }
 
-void OffscreenGL::MakeCurrent() const
+std::vector<std::uint8_t> OffscreenGL::Read(int x, int y, int width, int height) const
 {
-    wglMakeCurrent(FDC, FRC);
-}
-
-std::vector<std::uint8_t> OffscreenGL::ReadPixels() const
-{
-    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(FWidth) * FHeight * 4);
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(width) * height * 4);
     dglOpenGL::glPixelStorei(dglOpenGL::GL_PACK_ALIGNMENT, 1);
-    dglOpenGL::glReadPixels(0, 0, FWidth, FHeight, dglOpenGL::GL_RGBA, dglOpenGL::GL_UNSIGNED_BYTE,
-                            pixels.data());
+    dglOpenGL::glReadPixels(x, y, width, height, dglOpenGL::GL_RGBA, dglOpenGL::GL_UNSIGNED_BYTE, pixels.data());
     return pixels;
-}
-
-std::array<std::uint8_t, 4> OffscreenGL::Pixel(int x, int y) const
-{
-    std::array<std::uint8_t, 4> pixel{};
-    dglOpenGL::glPixelStorei(dglOpenGL::GL_PACK_ALIGNMENT, 1);
-    dglOpenGL::glReadPixels(x, y, 1, 1, dglOpenGL::GL_RGBA, dglOpenGL::GL_UNSIGNED_BYTE,
-                            pixel.data());
-    return pixel;
 }
 
 }  // namespace orvane::testing

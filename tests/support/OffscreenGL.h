@@ -24,16 +24,19 @@ public:
 
     HDC DC() const { return FDC; }
     HGLRC RC() const { return FRC; }
-    int Width() const { return FWidth; }
-    int Height() const { return FHeight; }
-
     // Makes this context current again (after another was).
-    void MakeCurrent() const;
+    void MakeCurrent() const { wglMakeCurrent(FDC, FRC); }
     // RGBA bytes of the whole surface, bottom row first.
-    std::vector<std::uint8_t> ReadPixels() const;
-    std::array<std::uint8_t, 4> Pixel(int x, int y) const;
+    std::vector<std::uint8_t> ReadPixels() const { return Read(0, 0, FWidth, FHeight); }
+    std::array<std::uint8_t, 4> Pixel(int x, int y) const
+    {
+        const auto rgba = Read(x, y, 1, 1);
+        return {rgba[0], rgba[1], rgba[2], rgba[3]};
+    }
 
 private:
+    std::vector<std::uint8_t> Read(int x, int y, int width, int height) const;
+
     int FWidth;
     int FHeight;
     HDC FDC = nullptr;
