@@ -8,6 +8,7 @@
 
 #include "glu_triangulation/uTriangulate.h"
 #include "tests/glu_triangulation/GluTestSupport.h"
+#include "tests/support/MessageCapture.h"
 
 namespace orvane {
 namespace {
@@ -19,16 +20,6 @@ using ::testing::MatchesRegex;
 namespace gl = dglOpenGL;
 
 const std::vector<TPoint2D> kUnitSquare{{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-
-std::vector<double> Mesh(TGLSurfaceTriangulator& T, const TGeSurface& Surf, bool Quads = false,
-                         std::vector<double>* Norm = nullptr)
-{
-    std::vector<double> tri, norm;
-    Quads ? T.Quadrilateral(&Surf, tri, norm) : T.Triangulate(&Surf, tri, norm);
-    EXPECT_EQ(norm.size(), tri.size());
-    if (Norm) *Norm = norm;
-    return tri;
-}
 
 std::unique_ptr<TGeTrimmedSurface> Trimmed(std::unique_ptr<TGeSurface> Base, std::unique_ptr<TGeCurve2D> Outer,
                                            std::vector<std::unique_ptr<TGeCurve2D>> Inner = {})
@@ -258,23 +249,18 @@ TEST(GluTrimCurves, CurvesAreTypedSampledByLengthAndThinned)
     EXPECT_THAT(knots, ElementsAre(0, 0, 0, 0.1f, 0.1f, 0.1f));
     ASSERT_EQ(ctrl.size(), 3u);
     EXPECT_EQ(std::vector<float>({ctrl[1].X, ctrl[1].Y, ctrl[1].W, ctrl[2].X}), std::vector<float>({1.5f, 2.0f, 0.5f, 10.0f}));
-    try {
-        T::ParamCurve2GLSpline(TGeLine2D({0, 0}, {1, 0}), ctrl, knots, degree);
-        FAIL() << "a line is no spline";
-    } catch (const EAssertionFailed& e) {
-        EXPECT_THAT(e.what(), MatchesRegex("Assertion failure \\(uTriangulate, line [0-9]+\\)"));
-    }
+    EXPECT_THAT(Raised<EAssertionFailed>([&] { T::ParamCurve2GLSpline(TGeLine2D({0, 0}, {1, 0}), ctrl, knots, degree); }),
+                MatchesRegex("Assertion failure \\(uTriangulate, line [0-9]+\\)"));
 
     // Straight curves take 10 samples; others 40 a unit of length, ties to the even neighbour.
-    int count = -1;
-    EXPECT_TRUE(T::GetCountNumViaBoundType(TGeLine2D({0, 0}, {500, 0}), count));
-    EXPECT_EQ(count, 10);
-    count = -1;
-    EXPECT_TRUE(T::GetCountNumViaBoundType(TGeSpline2D(1, {0, 0, 1, 1}, {{0, 0}, {3, 4}}), count));
-    EXPECT_EQ(count, 10);
-    count = -1;
-    EXPECT_FALSE(T::GetCountNumViaBoundType(TGeSpline2D(1, {0, 0, 0.5, 1, 1}, {{0, 0}, {3, 4}, {6, 0}}), count));
-    EXPECT_EQ(count, -1);
+    const auto countOf = [](const TGeCurve2D& c) {
+        int count = -1;
+        const bool straight = T::GetCountNumViaBoundType(c, count);
+        return std::pair{straight, count};
+    };
+    EXPECT_EQ(countOf(TGeLine2D({0, 0}, {500, 0})), std::pair(true, 10));
+    EXPECT_EQ(countOf(TGeSpline2D(1, {0, 0, 1, 1}, {{0, 0}, {3, 4}})), std::pair(true, 10));
+    EXPECT_EQ(countOf(TGeSpline2D(1, {0, 0, 0.5, 1, 1}, {{0, 0}, {3, 4}, {6, 0}})), std::pair(false, -1));
     for (const auto& [length, samples] :
          {std::pair{25.0, 1000}, {24.9, 999}, {1.0, 43}, {0.0625, 5}, {0.1875, 11}, {0.3125, 15}}) {
         TFixedPointsCurve curve({{0, 0}, {1, 1}}, length);

@@ -1,6 +1,8 @@
 // What the GLU road's tests build: flat grids of any degree, loops of lines, curve doubles for
-// what the kernel's own classes can't show, mesh areas, and a fake GLU NURBS renderer.
+// what the kernel's own classes can't show, meshes and their areas, and a fake GLU NURBS renderer.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <map>
 #include <memory>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "contracts/Cadgeometry.h"
+#include "glu_triangulation/uTriangulate.h"
 #include "opengl/dglOpenGL.h"
 #include "tests/support/GlRecorder.h"
 
@@ -60,6 +63,17 @@ private:
 inline std::unique_ptr<TGeCurve2D> NurbsTrimLine(const TPoint2D& A, const TPoint2D& B)
 {
     return std::make_unique<TNurbsTrimSpline>(1, TArrayDouble{0, 0, 1, 1}, TDynPoints2D{A, B});
+}
+
+// The triangles (or quads) of a surface, with a normal for every vertex, into Norm where given.
+inline TFloatDynArray Mesh(TGLSurfaceTriangulator& T, const TGeSurface& Surf, bool Quads = false,
+                           TFloatDynArray* Norm = nullptr)
+{
+    TFloatDynArray tri, norm;
+    Quads ? T.Quadrilateral(&Surf, tri, norm) : T.Triangulate(&Surf, tri, norm);
+    EXPECT_EQ(norm.size(), tri.size());
+    if (Norm) *Norm = norm;
+    return tri;
 }
 
 // The area of a flat triangle list (9 values a triangle).

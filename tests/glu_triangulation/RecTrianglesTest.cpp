@@ -47,14 +47,14 @@ std::vector<int> SourceOrder(const TDynGLFloat& Vert, const TDynGLFloat& Norm)
     return order;
 }
 
-std::vector<int> Convert(Cardinal DrawType, int N, bool Quads)
+// What a fresh converter gives for one primitive: its vertices and their normals.
+Primitive Convert(Cardinal DrawType, const Primitive& P, bool Quads)
 {
     TRecTriangles rec;
-    const Primitive p = MakePrimitive(N);
-    Quads ? rec.AddSurfaceDataQuad(DrawType, p.Vert, p.Norm) : rec.AddSurfaceData(DrawType, p.Vert, p.Norm);
-    TDynGLFloat tri, norm;
-    rec.GetRes(tri, norm);
-    return SourceOrder(tri, norm);
+    Quads ? rec.AddSurfaceDataQuad(DrawType, P.Vert, P.Norm) : rec.AddSurfaceData(DrawType, P.Vert, P.Norm);
+    Primitive res;
+    rec.GetRes(res.Vert, res.Norm);
+    return res;
 }
 
 TEST(RecTriangles, ConvertsEachPrimitiveInItsVertexOrder)
@@ -82,40 +82,34 @@ TEST(RecTriangles, ConvertsEachPrimitiveInItsVertexOrder)
         {GL_TRIANGLE_FAN, 2, true, {}},
         {GL_QUAD_STRIP, 2, true, {}},
     };
-    for (const auto& c : cases) EXPECT_EQ(Convert(c.Type, c.N, c.Quads), c.Order) << c.Type << " of " << c.N;
+    for (const auto& c : cases) {
+        const Primitive res = Convert(c.Type, MakePrimitive(c.N), c.Quads);
+        EXPECT_EQ(SourceOrder(res.Vert, res.Norm), c.Order) << c.Type << " of " << c.N;
+    }
 }
 
 TEST(RecTriangles, AnUnpairedFanTriangleGetsTheMidpointOfItsClosingEdge)
 {
     // Seven vertices: two paired quads, then the unpaired triangle s0 s5 s6 and a midpoint.
-    TRecTriangles rec;
-    const Primitive seven = MakePrimitive(7);
-    rec.AddSurfaceDataQuad(GL_TRIANGLE_FAN, seven.Vert, seven.Norm);
-    TDynGLFloat tri, norm;
-    rec.GetRes(tri, norm);
-    ASSERT_EQ(tri.size(), 36u);
-    EXPECT_THAT(SourceOrder({tri.begin(), tri.end() - 3}, {norm.begin(), norm.end() - 3}),
+    const Primitive seven = Convert(GL_TRIANGLE_FAN, MakePrimitive(7), true);
+    ASSERT_EQ(seven.Vert.size(), 36u);
+    EXPECT_THAT(SourceOrder({seven.Vert.begin(), seven.Vert.end() - 3}, {seven.Norm.begin(), seven.Norm.end() - 3}),
                 ElementsAre(0, 1, 2, 3, 0, 3, 4, 5, 0, 5, 6));
 
     // Five vertices with unit normals at s0 and s4 whose sum is brought back to unit length:
     // the second quad is s0, s3, s4, m with m halfway between s0 and s4.
-    TRecTriangles five;
     Primitive p = MakePrimitive(5);
     p.Norm = {1, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 1, 0};
-    five.AddSurfaceDataQuad(GL_TRIANGLE_FAN, p.Vert, p.Norm);
-    five.GetRes(tri, norm);
-    ASSERT_EQ(tri.size(), 24u);
-    EXPECT_THAT(std::vector<float>(tri.begin() + 12, tri.end()),
+    const Primitive five = Convert(GL_TRIANGLE_FAN, p, true);
+    ASSERT_EQ(five.Vert.size(), 24u);
+    EXPECT_THAT(std::vector<float>(five.Vert.begin() + 12, five.Vert.end()),
                 ElementsAre(0.0f, 0.5f, -0.0f, 3.0f, 3.5f, -3.0f, 4.0f, 4.5f, -4.0f, 2.0f, 2.5f, -2.0f));
     const float h = static_cast<float>(std::sqrt(0.5));
-    EXPECT_THAT(std::vector<float>(norm.begin() + 21, norm.end()), ElementsAre(h, h, 0.0f));
+    EXPECT_THAT(std::vector<float>(five.Norm.begin() + 21, five.Norm.end()), ElementsAre(h, h, 0.0f));
 
     // A fan of one triangle becomes one such quad.
-    TRecTriangles single;
-    const Primitive three = MakePrimitive(3);
-    single.AddSurfaceDataQuad(GL_TRIANGLE_FAN, three.Vert, three.Norm);
-    single.GetRes(tri, norm);
-    EXPECT_THAT(tri, ElementsAre(0.0f, 0.5f, -0.0f, 1.0f, 1.5f, -1.0f, 2.0f, 2.5f, -2.0f, 1.0f, 1.5f, -1.0f));
+    EXPECT_THAT(Convert(GL_TRIANGLE_FAN, MakePrimitive(3), true).Vert,
+                ElementsAre(0.0f, 0.5f, -0.0f, 1.0f, 1.5f, -1.0f, 2.0f, 2.5f, -2.0f, 1.0f, 1.5f, -1.0f));
 }
 
 TEST(RecTriangles, RefusalsAssertionsAndRangeErrorsAppendNothing)
