@@ -6,13 +6,10 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "mesh_drawing/GLShaderManager.h"
 #include "mesh_drawing/GLVAOManager.h"
 #include "shaders/ShaderResources.h"
-#include "tests/support/GlRecorder.h"
 #include "tests/support/MessageCapture.h"
 #include "tests/support/OffscreenGL.h"
 
@@ -36,51 +33,21 @@ std::string FileBytes(const std::string& name)
 struct Finder {
     Texts Reads;
     std::string Missing, Replaced, Bytes;
-    TResourceFinder Previous;
-
-    Finder()
-    {
-        Previous = SetResourceFinder([this](const std::string& name, Cardinal type, std::string& bytes) {
-            Reads.push_back(name);
-            if (name == Replaced) return bytes = Bytes, true;
-            return name != Missing && FindEmbeddedResource(name, type, bytes);
-        });
-    }
+    TResourceFinder Previous = SetResourceFinder([this](const std::string& name, Cardinal type, std::string& bytes) {
+        Reads.push_back(name);
+        if (name == Replaced) return bytes = Bytes, true;
+        return name != Missing && FindEmbeddedResource(name, type, bytes);
+    });
     ~Finder() { SetResourceFinder(Previous); }
 };
 
-// Lets the real entry points make every name and notes each one.
-struct NameSpy {
-    testing::GlRecorder Rec;
-    std::vector<GLuint> Buffers, VertexArrays, Shaders, Programs;
-
-    NameSpy()
-    {
-        static decltype(glGenBuffers) genBuffers;
-        static decltype(glGenVertexArrays) genVertexArrays;
-        static decltype(glCreateShader) createShader;
-        static decltype(glCreateProgram) createProgram;
-        genBuffers = glGenBuffers, genVertexArrays = glGenVertexArrays;
-        createShader = glCreateShader, createProgram = glCreateProgram;
-        Rec.Record<&glGenBuffers>([this](GLsizei n, GLuint* names) { genBuffers(n, names), Buffers.push_back(names[0]); });
-        Rec.Record<&glGenVertexArrays>([this](GLsizei n, GLuint* names) {
-            genVertexArrays(n, names), VertexArrays.push_back(names[0]);
-        });
-        Rec.Record<&glCreateShader>([this](GLenum type) { return Shaders.emplace_back(createShader(type)); });
-        Rec.Record<&glCreateProgram>([this] { return Programs.emplace_back(createProgram()); });
-    }
-    // How many of the noted names the current context still knows.
-    int Alive() const
-    {
-        int alive = 0;
-        for (GLuint name : Buffers) alive += glIsBuffer(name) ? 1 : 0;
-        for (GLuint name : VertexArrays) alive += glIsVertexArray(name) ? 1 : 0;
-        for (GLuint name : Shaders) alive += glIsShader(name) ? 1 : 0;
-        for (GLuint name : Programs) alive += glIsProgram(name) ? 1 : 0;
-        return alive;
-    }
-    int Made() const { return int(Buffers.size() + VertexArrays.size() + Shaders.size() + Programs.size()); }
-};
+// How many buffers, vertex arrays, shaders and programs among the first names the current context knows.
+int Alive()
+{
+    int alive = 0;
+    for (GLuint name = 1; name < 64; ++name) alive += glIsBuffer(name) + glIsVertexArray(name) + glIsShader(name) + glIsProgram(name);
+    return alive;
+}
 
 const TDynGLFloat kTri{-0.9f, -0.9f, 0, 0.9f, -0.9f, 0, 0, 0.9f, 0};
 const TDynGLFloat kNorm{0, 0, 1, 0, 0, 1, 0, 0, 1};
@@ -92,6 +59,8 @@ void Draw(TGLVAOManager& manager, Cardinal id)
     manager.DrawVAO(id, {0, 0, 1}, {0, 1, 0}, identity, 0x808080, true, 0);
 }
 
+GLuint ProgramOf(TGLVAOManager& manager) { return manager.ShaderManager().GetShader()->GLSLProg().Handle(); }
+
 TEST(ShaderResources, AreTheSourceFilesByteForByteFoundInAnyCaseAndTheFinderCanBeReplaced)
 {
     for (const auto& [name, file] : {std::pair{"VertShader", "VertShader.glsl"}, {"FragShader", "FragShader.glsl"}}) {
@@ -100,8 +69,7 @@ TEST(ShaderResources, AreTheSourceFilesByteForByteFoundInAnyCaseAndTheFinderCanB
         EXPECT_EQ(bytes.rfind("#version 330 core\r\n", 0), 0u) << name;
         // CR LF line ends only, no terminating zero, no byte-order mark.
         EXPECT_EQ(bytes.substr(bytes.size() - 2), "\r\n");
-        for (std::size_t i = 1; i < bytes.size(); ++i)
-            ASSERT_FALSE(bytes[i] == '\n' && bytes[i - 1] != '\r') << name << " at " << i;
+        for (std::size_t i = 1; i < bytes.size(); ++i) ASSERT_FALSE(bytes[i] == '\n' && bytes[i - 1] != '\r') << name << " at " << i;
         EXPECT_EQ(bytes.find('\0'), std::string::npos);
     }
     EXPECT_EQ(TResourceStream("VERTSHADER", RT_RCDATA).Bytes(), TResourceStream("vertshader", RT_RCDATA).Bytes());
@@ -111,8 +79,7 @@ TEST(ShaderResources, AreTheSourceFilesByteForByteFoundInAnyCaseAndTheFinderCanB
     EXPECT_THROW(TResourceStream("VertShader", 3), EResNotFound);
     {
         Finder finder;
-        finder.Replaced = "VertShader";
-        finder.Bytes = "test bytes";
+        finder.Replaced = "VertShader", finder.Bytes = "test bytes";
         EXPECT_EQ(TResourceStream("VertShader", RT_RCDATA).Bytes(), "test bytes");
     }
     EXPECT_EQ(TResourceStream("VertShader", RT_RCDATA).Bytes(), FileBytes("VertShader.glsl"));
@@ -121,15 +88,13 @@ TEST(ShaderResources, AreTheSourceFilesByteForByteFoundInAnyCaseAndTheFinderCanB
 TEST(GLShaderManager, OneShaderPerContextFilledFromTheResourcesOnceNoContextIncluded)
 {
     Finder finder;
-    OffscreenGL a(8, 8);
-    OffscreenGL b(8, 8);
+    OffscreenGL a(8, 8), b(8, 8);
     TGLShaderManager manager;
     a.MakeCurrent();
     TGLSLShader* first = manager.GetShader();
     EXPECT_EQ(manager.GetShader(), first);
     EXPECT_EQ(finder.Reads, (Texts{"VertShader", "FragShader"}));
-    EXPECT_TRUE(first->Validated());
-    EXPECT_TRUE(first->VertexProgram().Enabled() && first->FragmentProgram().Enabled());
+    EXPECT_TRUE(first->Validated() && first->VertexProgram().Enabled() && first->FragmentProgram().Enabled());
     EXPECT_EQ(first->VertexProgram().Code().Text(), FileBytes("VertShader.glsl"));
     EXPECT_EQ(first->GLSLProg().Handle(), 0u);  // no GL work yet: it compiles at its first use
     b.MakeCurrent();
@@ -147,71 +112,51 @@ TEST(GLShaderManager, OneShaderPerContextFilledFromTheResourcesOnceNoContextIncl
     EXPECT_EQ(failing.Count(), 0);
 }
 
-TEST(ContextResources, NothingTheManagerMadeOutlivesIt)
+TEST(ContextResources, NothingTheManagerMadeOutlivesItAndAShaderThatFailsToCompileIsShownOnce)
 {
-    OffscreenGL gl(16, 16);
-    NameSpy spy;
-    auto manager = std::make_unique<TGLVAOManager>();
-    Cardinal plain = 0, indexed = 0;
-    manager->GenerateTriVAO(kTri, kNorm, plain);
-    manager->GenerateTriVAO(kTri, kNorm, {0, 1, 2}, indexed);
-    manager->AddVAORef(indexed);
-    Draw(*manager, plain);
-    Draw(*manager, indexed);
-    ASSERT_EQ(spy.Made(), 10);  // 5 buffers, 2 vertex arrays, 2 shaders, 1 program
-    EXPECT_EQ(spy.Alive(), 10);
-    EXPECT_FALSE(glIsBuffer(4242) || glIsVertexArray(4242) || glIsShader(4242) || glIsProgram(4242));
-    manager.reset();
-    EXPECT_EQ(spy.Alive(), 0);
-}
-
-TEST(ContextResources, AShaderThatFailsToCompileIsShownOnceAndMeshesDrawInTheCurrentColour)
-{
-    Finder finder;
-    finder.Replaced = "FragShader";
-    finder.Bytes = "#version 330 core\r\nvoid main() { gl_FragColor = undefined_thing; }\r\n";
-    OffscreenGL gl(16, 16);
-    testing::MessageCapture messages;
-    NameSpy spy;
-    auto manager = std::make_unique<TGLVAOManager>();
-    Cardinal first = 0, second = 0;
-    manager->GenerateTriVAO(kTri, kNorm, first);
-    manager->GenerateTriVAO(kTri, kNorm, {0, 1, 2}, second);
-    glClearColor(0, 0, 0, 1);
-    glColor3ub(255, 128, 0);
-    for (Cardinal id : {first, second}) {
-        glClear(GL_COLOR_BUFFER_BIT);
-        Draw(*manager, id);
-        // Without a program the meshes take the current colour.
-        EXPECT_EQ(gl.Pixel(8, 6), (std::array<std::uint8_t, 4>{255, 128, 0, 255}));
-        EXPECT_EQ(gl.Pixel(0, 15), (std::array<std::uint8_t, 4>{0, 0, 0, 255}));
+    for (const bool fails : {false, true}) {
+        SCOPED_TRACE(fails ? "a fragment shader that fails" : "the shipped shaders");
+        Finder finder;
+        if (fails) finder.Replaced = "FragShader", finder.Bytes = "#version 330 core\r\nvoid main() { gl_FragColor = undefined_thing; }\r\n";
+        OffscreenGL gl(16, 16);
+        testing::MessageCapture messages;
+        auto manager = std::make_unique<TGLVAOManager>();
+        Cardinal plain = 0, indexed = 0;
+        manager->GenerateTriVAO(kTri, kNorm, plain);
+        manager->GenerateTriVAO(kTri, kNorm, {0, 1, 2}, indexed);
+        manager->AddVAORef(indexed);
+        glClearColor(0, 0, 0, 1);
+        glColor3ub(255, 128, 0);
+        for (Cardinal id : {plain, indexed}) {
+            glClear(GL_COLOR_BUFFER_BIT);
+            Draw(*manager, id);
+            // Without a program the meshes take the current colour.
+            EXPECT_EQ(gl.Pixel(8, 6) == (std::array<std::uint8_t, 4>{255, 128, 0, 255}), fails);
+            EXPECT_EQ(gl.Pixel(0, 15), (std::array<std::uint8_t, 4>{0, 0, 0, 255}));
+        }
+        ASSERT_EQ(messages.Texts().size(), fails ? 1u : 0u);
+        EXPECT_TRUE(!fails || messages.Texts()[0].starts_with("Cannot Compile Shader")) << messages.Texts()[0];
+        EXPECT_EQ(manager->ShaderManager().GetShader()->Enabled(), !fails);
+        // 5 buffers, 2 vertex arrays, 2 shaders and a program; the failed shader was given back when it failed.
+        EXPECT_EQ(Alive(), fails ? 9 : 10);
+        manager.reset();
+        EXPECT_EQ(Alive(), 0);
     }
-    ASSERT_EQ(messages.Texts().size(), 1u);
-    EXPECT_EQ(messages.Texts()[0].rfind("Cannot Compile Shader", 0), 0u) << messages.Texts()[0];
-    EXPECT_FALSE(manager->ShaderManager().GetShader()->Enabled());
-    // The failed fragment shader was given back when it failed; the vertex shader, the program
-    // and the meshes go with the manager.
-    ASSERT_EQ(spy.Shaders.size(), 2u);
-    EXPECT_FALSE(glIsShader(spy.Shaders[1]));
-    EXPECT_EQ(spy.Alive(), spy.Made() - 1);
-    manager.reset();
-    EXPECT_EQ(spy.Alive(), 0);
 }
 
 TEST(ContextResources, TwoContextsEachGetAShaderFreedInsideItAndShareTheManagersIds)
 {
-    OffscreenGL a(16, 16);
-    OffscreenGL b(16, 16);
-    NameSpy spy;
+    OffscreenGL a(16, 16), b(16, 16);
     auto manager = std::make_unique<TGLVAOManager>();
     a.MakeCurrent();
     Cardinal inA = 0, inB = 0;
     manager->GenerateTriVAO(kTri, kNorm, inA);
     Draw(*manager, inA);
+    const GLuint programA = ProgramOf(*manager);
     b.MakeCurrent();
     manager->GenerateTriVAO(kTri, kNorm, inB);
     Draw(*manager, inB);
-    const GLuint programA = spy.Programs.at(0), programB = spy.Programs.at(1);
+    const GLuint programB = ProgramOf(*manager);
     EXPECT_EQ(manager->ShaderManager().Count(), 2);
 
     // Each context numbers its own vertex arrays: B's mesh took A's id, and A's objects were
@@ -220,8 +165,7 @@ TEST(ContextResources, TwoContextsEachGetAShaderFreedInsideItAndShareTheManagers
     int count = 0;
     EXPECT_TRUE(manager->VAORefCountDict().TryGetValue(inB, count));
     EXPECT_EQ(count, 2);
-    manager->DeleteVAO(inB);
-    manager->DeleteVAO(inB);
+    manager->DeleteVAO(inB), manager->DeleteVAO(inB);
     EXPECT_FALSE(glIsVertexArray(inB));
     a.MakeCurrent();
     EXPECT_TRUE(glIsVertexArray(inA));  // left behind in A until A goes
@@ -229,8 +173,7 @@ TEST(ContextResources, TwoContextsEachGetAShaderFreedInsideItAndShareTheManagers
     // B's shader is freed inside B, and A stays current; a context without a shader, or one
     // that cannot be made current, changes nothing.
     manager->FreeContextResource(b.DC(), b.RC());
-    EXPECT_EQ(wglGetCurrentContext(), a.RC());
-    EXPECT_EQ(wglGetCurrentDC(), a.DC());
+    EXPECT_TRUE(wglGetCurrentContext() == a.RC() && wglGetCurrentDC() == a.DC());
     EXPECT_EQ(manager->ShaderManager().Count(), 1);
     EXPECT_TRUE(glIsProgram(programA));
     manager->FreeContextResource(b.DC(), b.RC());
