@@ -33,10 +33,7 @@ class ArrayDraw {
 public:
     ArrayDraw()
     {
-        FRec.Record<&gl::glInterleavedArrays>([this](gl::GLenum format, gl::GLsizei, const void* data) {
-            FFormat = format;
-            FData = data;
-        });
+        FRec.Record<&gl::glInterleavedArrays>([this](gl::GLenum format, gl::GLsizei, const void* data) { FFormat = format, FData = data; });
         FRec.Record<&gl::glDrawArrays>([this](gl::GLenum, gl::GLint, gl::GLsizei count) {
             const std::size_t floats = count * (FFormat == gl::GL_V2F ? 2u : FFormat == gl::GL_C3F_V3F ? 6u : 3u);
             Floats.assign(static_cast<const float*>(FData), static_cast<const float*>(FData) + floats);
@@ -87,8 +84,7 @@ TEST(zqglUtils, ShapesAndPolylinesGoAsInterleavedArraysOfWholeVertices)
     for (const auto& c : cases) {
         ArrayDraw d;
         c.Draw();
-        EXPECT_EQ(d.Calls(), c.Calls) << c.Name;
-        EXPECT_EQ(d.Floats, c.Floats) << c.Name;
+        EXPECT_TRUE(d.Calls() == c.Calls && d.Floats == c.Floats) << c.Name;
     }
 
     ArrayDraw d;
@@ -97,8 +93,7 @@ TEST(zqglUtils, ShapesAndPolylinesGoAsInterleavedArraysOfWholeVertices)
     ASSERT_EQ(d.Colored.size(), 4u);
     for (const TGLColor4UB2V& v : d.Colored)
         EXPECT_EQ((std::vector<int>{v.R, v.G, v.B, v.A}), (std::vector<int>{0x11, 0x22, 0x33, 255}));
-    EXPECT_EQ(d.Colored[1].X, 1.0f);
-    EXPECT_EQ(d.Colored[1].Y, 4.0f);
+    EXPECT_TRUE(d.Colored[1].X == 1.0f && d.Colored[1].Y == 4.0f);
 }
 
 TEST(zqglUtils, ColoursWidthsPointsAndIntegerOrPointerArrays)
@@ -107,15 +102,10 @@ TEST(zqglUtils, ColoursWidthsPointsAndIntegerOrPointerArrays)
     rec.RecordAll<&gl::glColor3ub, &gl::glClearColor, &gl::glBegin, &gl::glEnd, &gl::glVertex2i, &gl::glVertex3d,
                   &gl::glPointSize, &gl::glLineWidth, &gl::glVertexPointer, &gl::glNormalPointer, &gl::glDrawArrays,
                   &gl::glInterleavedArrays, &gl::glEnableClientState>();
-    zqglSetColor(0x0000FF);
-    zqglSetColor(0xFFFF00);
-    zqglSetColor(0xAB0000FF);
-    zqglSetClearColor(0x0080FF);
-    zqglSetClearColor(0);
-    zqglDrawPoint(TPoint{3, -4});
-    zqglDrawPoint(TGLPoint3D{0.1f, 2, 3});
-    zqglSetPointWidth(3);
-    zqglSetLineWidth(2);
+    zqglSetColor(0x0000FF), zqglSetColor(0xFFFF00), zqglSetColor(0xAB0000FF);
+    zqglSetClearColor(0x0080FF), zqglSetClearColor(0);
+    zqglDrawPoint(TPoint{3, -4}), zqglDrawPoint(TGLPoint3D{0.1f, 2, 3});
+    zqglSetPointWidth(3), zqglSetLineWidth(2);
     const std::vector<std::uint32_t> ints = {1, 2, 3, 4, 5, 6, 7};
     const std::vector<float> values = {1, 2, 3, 4, 5, 6, 7, 8};
     zqglDrawPolyLine(std::span<const std::uint32_t>(ints), true);
@@ -168,8 +158,7 @@ TEST(zqglUtils, TextureQuadsLeaveTexturingOnNurbsRendererAndFloatArrays)
     rec.Clear();
     zqglDrawTexture({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {1, 1, 1}}, {{0, 0}, {1, 0}, {1, 1}, {0.25, 1}}, 7, true);
     EXPECT_EQ(rec.Count("glTexCoord2d"), 4u);
-    EXPECT_EQ(rec.Texts()[5], "glTexCoord2d(1, 0)");
-    EXPECT_EQ(rec.Texts()[6], "glVertex3d(4, 5, 6)");
+    EXPECT_EQ(rec.Texts()[5] + " " + rec.Texts()[6], "glTexCoord2d(1, 0) glVertex3d(4, 5, 6)");
     EXPECT_EQ(rec.Count("glDisable"), 0u);
 
     rec.Clear();
@@ -182,7 +171,6 @@ TEST(zqglUtils, TextureQuadsLeaveTexturingOnNurbsRendererAndFloatArrays)
     FloatDynArrayToDynGLFloat({}, result);
     EXPECT_TRUE(result.empty());
 }
-
 
 std::unique_ptr<TGLTriangles> MakeTriangle(Cardinal AMode)
 {
@@ -197,21 +185,16 @@ std::unique_ptr<TGLTriangles> MakeTriangle(Cardinal AMode)
 TEST(GLTriangles, DrawSendsANormalThenAVertexForEachPointInDoublePrecision)
 {
     testing::GlRecorder recorder;
-    recorder.Record<&dglOpenGL::glBegin>();
-    recorder.Record<&dglOpenGL::glNormal3d>();
-    recorder.Record<&dglOpenGL::glVertex3d>();
-    recorder.Record<&dglOpenGL::glEnd>();
+    recorder.RecordAll<&gl::glBegin, &gl::glNormal3d, &gl::glVertex3d, &gl::glEnd>();
     const TGLTriangles empty;  // a strip by default
     empty.Draw3D();
     TGLTrianglesList list;
     list.Add(MakeTriangle(GL_TRIANGLES).release());
     list[0]->Draw3D();
     // 0.1 would arrive as 0.100000001 had it passed through a float.
-    EXPECT_EQ(recorder.Texts(),
-              (std::vector<std::string>{"glBegin(6)", "glEnd()", "glBegin(4)", "glNormal3d(0, 0, 1)",
-                                        "glVertex3d(0.1, 0.2, 0.3)", "glNormal3d(0.6, 0.8, 0)",
-                                        "glVertex3d(1.1, -2.2, 3.3)", "glNormal3d(1, 2, 3)", "glVertex3d(-4, 5, 6.75)",
-                                        "glEnd()"}));
+    EXPECT_EQ(recorder.Texts(), (Texts{"glBegin(6)", "glEnd()", "glBegin(4)", "glNormal3d(0, 0, 1)", "glVertex3d(0.1, 0.2, 0.3)",
+                                       "glNormal3d(0.6, 0.8, 0)", "glVertex3d(1.1, -2.2, 3.3)", "glNormal3d(1, 2, 3)",
+                                       "glVertex3d(-4, 5, 6.75)", "glEnd()"}));
     EXPECT_EQ(recorder.Calls()[4].Args, (std::vector<double>{0.1, 0.2, 0.3}));
 }
 
@@ -220,29 +203,23 @@ TEST(GLTriangles, CopyIsDeepAndKeepsTheMode)
     const auto source = MakeTriangle(GL_TRIANGLE_STRIP);
     const auto copy = source->GetCopy();
     EXPECT_EQ(copy->FConnectMode, static_cast<Cardinal>(GL_TRIANGLE_STRIP));
-    EXPECT_EQ(copy->FPoints->Items(), source->FPoints->Items());
-    EXPECT_EQ(copy->FNormalPoints->Items(), source->FNormalPoints->Items());
+    EXPECT_TRUE(copy->FPoints->Items() == source->FPoints->Items() && copy->FNormalPoints->Items() == source->FNormalPoints->Items());
     TMatrix3D move;
     move.SetRowVector(3, {10, 0, 0});
     move.RotateZ(1.0);
     copy->Transform(move);
     copy->FPoints->Add({9, 9, 9});
-    EXPECT_EQ(source->FPoints->Items(), MakeTriangle(0)->FPoints->Items());
-    EXPECT_EQ(source->FNormalPoints->Items(), MakeTriangle(0)->FNormalPoints->Items());
+    EXPECT_TRUE(source->FPoints->Items() == MakeTriangle(0)->FPoints->Items() &&
+                source->FNormalPoints->Items() == MakeTriangle(0)->FNormalPoints->Items());
 }
 
 TEST(GLTriangles, PointsFollowTheMatrixNormalsItsLinearPartUnnormalisedOrReflexYUnderTheXozMirror)
 {
     TMatrix3D translation;
     translation.SetRowVector(3, {1, -2, 0.5});
-    TMatrix3D turn;  // a quarter turn about Z, doubled, and moved
-    turn.SetColVector(0, {0, 2, 0});
-    turn.SetColVector(1, {-2, 0, 0});
-    turn.SetColVector(2, {0, 0, 2});
-    turn.SetRowVector(3, {5, 5, 5});
-    TMatrix3D mirror, reflexY;
-    mirror.ReflexXOZ();
-    reflexY.ReflexY();
+    TMatrix3D turn, mirror, reflexY;  // a quarter turn about Z, doubled, and moved
+    turn.SetColVector(0, {0, 2, 0}), turn.SetColVector(1, {-2, 0, 0}), turn.SetColVector(2, {0, 0, 2}), turn.SetRowVector(3, {5, 5, 5});
+    mirror.ReflexXOZ(), reflexY.ReflexY();
     ASSERT_NE(reflexY.TransformVector({1, 2, 3}), mirror.TransformVector({1, 2, 3}));
     const struct { const char* Name; TMatrix3D Matrix; TPoint3D Point, Normal1, Normal2; } cases[] = {
         {"identity", TMatrix3D::CreateIdent(), {-4, 5, 6.75}, {0.6, 0.8, 0}, {1, 2, 3}},
@@ -253,9 +230,8 @@ TEST(GLTriangles, PointsFollowTheMatrixNormalsItsLinearPartUnnormalisedOrReflexY
     for (const auto& c : cases) {
         const auto triangles = MakeTriangle(GL_TRIANGLES);
         triangles->Transform(c.Matrix);
-        EXPECT_TRUE(triangles->FPoints->GetItem(2).Equals(c.Point, 1e-12)) << c.Name;
-        EXPECT_TRUE(triangles->FNormalPoints->GetItem(1).Equals(c.Normal1, 1e-12)) << c.Name;
-        EXPECT_TRUE(triangles->FNormalPoints->GetItem(2).Equals(c.Normal2, 1e-12)) << c.Name;
+        EXPECT_TRUE(triangles->FPoints->GetItem(2).Equals(c.Point, 1e-12) && triangles->FNormalPoints->GetItem(1).Equals(c.Normal1, 1e-12) &&
+                    triangles->FNormalPoints->GetItem(2).Equals(c.Normal2, 1e-12)) << c.Name;
     }
 }
 
