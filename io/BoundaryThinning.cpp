@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <initializer_list>
-#include <memory>
 #include <unordered_map>
 
-#include "io/KernelFace.h"
+#include "io/DraftGeometry.h"
 
 namespace orvane::io {
 namespace {
@@ -22,7 +20,7 @@ std::uint64_t SideKey(int a, int b)
 class Thinner {
 public:
     Thinner(FaceDraft& draft, const FaceData& face, const std::vector<EdgeData>& edges)
-        : FDraft(draft), FEdges(edges), FSurface(BuildKernelSurface(face.Surface)), FLimit(draft.Tolerance / 2.0)
+        : FDraft(draft), FEdges(edges), FGeometry(draft, face, draft.Tolerance / 2.0)
     {
         FAlive.assign(draft.Triangles.size(), true);
         FTouched.assign(draft.Triangles.size(), false);
@@ -85,33 +83,9 @@ private:
             Triangle moved = FDraft.Triangles[static_cast<std::size_t>(t)];
             if (std::find(moved.begin(), moved.end(), target) != moved.end()) continue;
             std::replace(moved.begin(), moved.end(), v, target);
-            if (!Faces(moved) || !Close(moved)) return false;
+            if (!FGeometry.Faces(moved) || !FGeometry.Close(moved)) return false;
         }
         return true;
-    }
-
-    bool Faces(const Triangle& t) const
-    {
-        const DraftVertex &a = Vertex(t[0]), &b = Vertex(t[1]), &c = Vertex(t[2]);
-        const TPoint3D ab = b.Position - a.Position, ac = c.Position - a.Position, bc = c.Position - b.Position;
-        const double side2 = std::max({ab.DotMul(ab), ac.DotMul(ac), bc.DotMul(bc)});
-        return ab.CrossMul(ac).DotMul(a.Normal + b.Normal + c.Normal) > 1e-6 * side2;
-    }
-
-    // Whether the triangle's side midpoints and centre lie within the limit of the surface.
-    bool Close(const Triangle& t) const
-    {
-        const DraftVertex &a = Vertex(t[0]), &b = Vertex(t[1]), &c = Vertex(t[2]);
-        auto near = [&](const std::initializer_list<const DraftVertex*> corners) {
-            TPoint2D uv{};
-            TPoint3D p{};
-            for (const DraftVertex* v : corners) {
-                uv = {uv.X + v->UV.X / corners.size(), uv.Y + v->UV.Y / corners.size()};
-                p += v->Position / static_cast<double>(corners.size());
-            }
-            return FSurface->GetPoint(uv.X, uv.Y).DistanceTo(p) <= FLimit;
-        };
-        return near({&a, &b}) && near({&b, &c}) && near({&c, &a}) && near({&a, &b, &c});
     }
 
     void Move(int v, int target)
@@ -158,8 +132,7 @@ private:
 
     FaceDraft& FDraft;
     const std::vector<EdgeData>& FEdges;
-    std::unique_ptr<TGeNurbsSurface> FSurface;
-    double FLimit;
+    DraftGeometry FGeometry;
     std::vector<bool> FAlive;
     std::vector<bool> FTouched;
     std::vector<std::vector<int>> FAround;      // triangles round each vertex (some dead)

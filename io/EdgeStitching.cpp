@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "io/BoundaryThinning.h"
+#include "io/TurnedEasing.h"
 #include "io/KernelFace.h"
 
 namespace orvane::io {
@@ -406,6 +407,7 @@ void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>&
         stitcher.Place();
         stitcher.Split();
         stitcher.RepairTurned();
+        EaseTurned(Drafts[i], *Faces[i]);
     }
 }
 
