@@ -243,7 +243,7 @@ FaceDraft DraftQuadFace(const FaceData& F, double Tolerance, long long MaxQuads)
     std::vector<std::vector<int>> corners;
     for (const auto& polygon : polygons) {
         corners.emplace_back();
-        for (const TPoint2D& p : polygon) corners.back().push_back(table.Of(p));
+        for (const TPoint2D& p : polygon.Corners()) corners.back().push_back(table.Of(p));
     }
     for (const TPoint2D& p : table.Plane()) {
         DraftVertex v;

@@ -1,8 +1,8 @@
 // The quad tool cuts its whole region at every distinct X of the loops, so a boundary that runs
-// across the columns leaves each row of the interior in as many slivers as that boundary has
-// points. Here the slivers are joined again into the cells the column grid alone would give;
-// corners that neighbouring pieces keep on a joined cell's top or bottom become vertices of
-// the cell, so the mesh stays conforming.
+// across the columns leaves each row in as many slivers as that boundary has points, and a
+// steep boundary leaves slivers beside it that a curved surface turns over. Here the pieces of
+// a row are joined again along the lines the columns do not need, and the points those lines
+// left on the row lines go where no piece needs them any more; the mesh stays conforming.
 #pragma once
 
 #include <array>
@@ -16,16 +16,24 @@ namespace orvane::io {
 // A piece as the quad tool gives it: top-left, top-right, bottom-right, bottom-left.
 using PlaneQuad = std::array<TPoint2D, 4>;
 
-// The pieces as polygons, clockwise like the quads: rectangles of one row side by side are
-// joined unless the line between them is a column line or ends at a loop's point, every other
-// piece stays as it was.
-// A polygon of more than four points is a rectangle with extra points on its top and bottom.
-std::vector<std::vector<TPoint2D>> JoinStrips(const std::vector<PlaneQuad>& Quads,
-                                              const std::function<bool(double X)>& IsColumnLine,
-                                              const std::function<bool(const TPoint2D&)>& IsLoopPoint);
+// A polygon between two chains that run left to right and meet the same vertical lines at
+// both ends; the region lies between them.
+struct StripPolygon {
+    std::vector<TPoint2D> Top;
+    std::vector<TPoint2D> Bottom;
 
-// Triangles of a polygon from JoinStrips, as indices into it, clockwise: a zig-zag between
-// its top and its bottom chain.
-std::vector<std::array<int, 3>> StripTriangles(const std::vector<TPoint2D>& Polygon);
+    // The distinct corners clockwise: the top chain, then the bottom chain backwards.
+    std::vector<TPoint2D> Corners() const;
+};
+
+// Pieces side by side whose shared side is the same on both are joined unless that side lies
+// on a column line; a point inside a row line's stretch of every polygon it is on goes,
+// unless it is a loop's point.
+std::vector<StripPolygon> JoinStrips(const std::vector<PlaneQuad>& Quads, const std::function<bool(double X)>& IsColumnLine,
+                                     const std::function<bool(const TPoint2D&)>& IsLoopPoint);
+
+// Triangles of a polygon, as indices into its Corners(), clockwise: a zig-zag between its
+// chains where that stays inside it, else ears cut off one by one.
+std::vector<std::array<int, 3>> StripTriangles(const StripPolygon& Polygon);
 
 }  // namespace orvane::io
