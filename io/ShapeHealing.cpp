@@ -8,6 +8,7 @@
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_Copy.hxx>
+#include <BRepBuilderAPI_Sewing.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <BRep_Builder.hxx>
 #include <Bnd_Box.hxx>
@@ -29,6 +30,7 @@
 #include <Standard_Failure.hxx>
 #include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopTools_IndexedMapOfShape.hxx>
 #include <TopTools_MapOfShape.hxx>
 #include <TopoDS_Iterator.hxx>
@@ -274,6 +276,39 @@ TopoDS_Shape CutSpikes(const TopoDS_Shape& shape)
     return any ? context->Apply(shape) : shape;
 }
 
+// Edges of the shape that bound one face only.
+int FreeEdges(const TopoDS_Shape& shape)
+{
+    TopTools_IndexedDataMapOfShapeListOfShape faces;
+    TopExp::MapShapesAndAncestors(shape, TopAbs_EDGE, TopAbs_FACE, faces);
+    int free = 0;
+    for (int i = 1; i <= faces.Extent(); ++i) free += faces(i).Extent() == 1 && !BRep_Tool::Degenerated(TopoDS::Edge(faces.FindKey(i)));
+    return free;
+}
+
+// Faces that meet along edges of their own (as IGES files often give them) sewn into shells
+// that share those edges, within a ten-thousandth of the shape's size; the shape as it is
+// where it has no free edge or sewing fails. Original learns each sewn face's face.
+TopoDS_Shape Sewn(const TopoDS_Shape& shape, TopTools_DataMapOfShapeShape& original)
+{
+    if (FreeEdges(shape) == 0) return shape;
+    try {
+        Bnd_Box box;
+        BRepBndLib::Add(shape, box);
+        if (box.IsVoid()) return shape;
+        BRepBuilderAPI_Sewing sewing(1e-3 * std::sqrt(box.SquareExtent()));
+        sewing.Add(shape);
+        sewing.Perform();
+        const TopoDS_Shape sewn = sewing.SewedShape();
+        if (sewn.IsNull() || FreeEdges(sewn) >= FreeEdges(shape)) return shape;
+        for (TopExp_Explorer ex(shape, TopAbs_FACE); ex.More(); ex.Next())
+            if (sewing.IsModifiedSubShape(ex.Current())) original.Bind(sewing.ModifiedSubShape(ex.Current()), ex.Current());
+        return sewn;
+    } catch (const Standard_Failure&) {
+        return shape;
+    }
+}
+
 }  // namespace
 
 double EdgeTolerance(const TopoDS_Edge& Edge)
@@ -364,9 +399,11 @@ bool ReprojectStrayTrimCurves(const TopoDS_Face& Face, double U0, double U1, dou
     return changed;
 }
 
-HealedShape::HealedShape(const TopoDS_Shape& Shape) : FShape(Shape)
+HealedShape::HealedShape(const TopoDS_Shape& Read) : FShape(Read)
 {
-    if (Shape.IsNull()) return;
+    if (Read.IsNull()) return;
+    const TopoDS_Shape Shape = Sewn(Read, FOriginal);
+    FShape = Shape;
     try {
         ShapeFix_Shape fix(Shape);
         ConfigureFix(fix);
@@ -374,17 +411,17 @@ HealedShape::HealedShape(const TopoDS_Shape& Shape) : FShape(Shape)
         const TopoDS_Shape healed = fix.Shape();
         if (!healed.IsNull()) {
             const Handle(ShapeBuild_ReShape) context = fix.Context();
+            TopTools_DataMapOfShapeShape original;
             for (TopExp_Explorer ex(Shape, TopAbs_FACE); ex.More(); ex.Next()) {
                 const TopoDS_Shape now = context->Value(ex.Current());
                 for (TopExp_Explorer f(now, TopAbs_FACE); f.More(); f.Next())
-                    if (!f.Current().IsSame(ex.Current()) && !FOriginal.IsBound(f.Current()))
-                        FOriginal.Bind(f.Current(), ex.Current());
+                    if (!original.IsBound(f.Current())) original.Bind(f.Current(), Original(ex.Current()));
             }
+            FOriginal = original;
             FShape = healed;
         }
     } catch (const Standard_Failure&) {
         FShape = Shape;
-        FOriginal.Clear();
     }
     try {
         const TopoDS_Shape cut = CutSpikes(FShape);

@@ -3,9 +3,16 @@
 #include <vector>
 
 #include <BRepBndLib.hxx>
+#include <BRepBuilderAPI_Transform.hxx>
 #include <BRepCheck_Analyzer.hxx>
+#include <BRepPrimAPI_MakeBox.hxx>
+#include <BRep_Builder.hxx>
 #include <Bnd_Box.hxx>
+#include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
+#include <TopTools_MapOfShape.hxx>
+#include <TopoDS_Compound.hxx>
 #include <TopoDS.hxx>
 #include <gtest/gtest.h>
 
@@ -91,6 +98,42 @@ TEST(Healing, ALoopThatRunsBackAlongItselfIsCutWhereItTurns)
     const Meshed meshed = HealAndMesh(spiked);
     for (const std::string& reason : meshed.Skipped) ADD_FAILURE() << "skipped: " << reason;
     EXPECT_NEAR(meshed.Area / ExactArea(StripWithSpike(false)), 1.0, 0.005);
+}
+
+int FreeEdgeCount(const TopoDS_Shape& shape)
+{
+    TopTools_IndexedDataMapOfShapeListOfShape faces;
+    TopExp::MapShapesAndAncestors(shape, TopAbs_EDGE, TopAbs_FACE, faces);
+    int free = 0;
+    for (int i = 1; i <= faces.Extent(); ++i) free += faces(i).Extent() == 1;
+    return free;
+}
+
+// A box whose six faces each have edges of their own, a little apart, as IGES files give
+// them: sewn, the faces share their edges, and each still names the face it was read as.
+TEST(Healing, FacesThatMeetAlongEdgesOfTheirOwnAreSewn)
+{
+    const TopoDS_Shape box = BRepPrimAPI_MakeBox(10, 20, 30).Shape();
+    BRep_Builder builder;
+    TopoDS_Compound loose;
+    builder.MakeCompound(loose);
+    TopTools_MapOfShape read;
+    double shift = 0.0;
+    for (TopExp_Explorer ex(box, TopAbs_FACE); ex.More(); ex.Next()) {
+        gp_Trsf apart;
+        apart.SetTranslation(gp_Vec(shift, 0, 0));
+        shift += 1e-3;
+        const TopoDS_Shape face = BRepBuilderAPI_Transform(ex.Current(), apart, true).Shape();
+        builder.Add(loose, face);
+        read.Add(face);
+    }
+    ASSERT_EQ(FreeEdgeCount(loose), 24);
+    const HealedShape healed(loose);
+    EXPECT_EQ(FreeEdgeCount(healed.Shape()), 0);
+    int faces = 0;
+    for (TopExp_Explorer ex(healed.Shape(), TopAbs_FACE); ex.More(); ex.Next(), ++faces)
+        EXPECT_TRUE(read.Contains(healed.Original(ex.Current())));
+    EXPECT_EQ(faces, 6);
 }
 
 }  // namespace
