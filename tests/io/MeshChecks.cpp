@@ -120,17 +120,24 @@ TPoint3D PointOf(const ModelMesh& mesh, const FaceMesh& f, int v)
 
 }  // namespace
 
-double WorstDeviation(const CadModelData& model, const ModelMesh& mesh, double enough)
+Deviation WorstDeviation(const CadModelData& model, const ModelMesh& mesh, double enough)
 {
-    double worst = 0.0;
+    Deviation worst;
     for (const FaceMesh& f : mesh.Faces) {
         Projector projector(FaceOf(model, f.Number));
         const std::size_t step = std::max<std::size_t>(1, f.Triangles.size() / 400);
         for (std::size_t t = 0; t < f.Triangles.size(); t += step) {
             const auto& tri = f.Triangles[t];
             const TPoint3D a = PointOf(mesh, f, tri[0]), b = PointOf(mesh, f, tri[1]), c = PointOf(mesh, f, tri[2]);
-            for (const TPoint3D& p : {a, (a + b) / 2.0, (b + c) / 2.0, (c + a) / 2.0, (a + b + c) / 3.0})
-                worst = std::max(worst, projector.Distance(p, enough));
+            const double da = projector.Distance(a, enough), db = projector.Distance(b, enough), dc = projector.Distance(c, enough);
+            worst.Corner = std::max({worst.Corner, da, db, dc});
+            const std::pair<TPoint3D, double> between[] = {
+                {(a + b) / 2.0, (da + db) / 2.0}, {(b + c) / 2.0, (db + dc) / 2.0}, {(c + a) / 2.0, (dc + da) / 2.0}, {(a + b + c) / 3.0, (da + db + dc) / 3.0}};
+            for (const auto& [p, corners] : between) {
+                const double d = projector.Distance(p, enough + corners);
+                worst.Mesh = std::max(worst.Mesh, d - corners);
+                worst.Total = std::max({worst.Total, d, worst.Corner});
+            }
         }
     }
     return worst;
