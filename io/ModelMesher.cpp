@@ -121,7 +121,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         }
         FaceMesh face = FaceMeshOf(*slot.Face, drafts[static_cast<std::size_t>(slot.Draft)], points);
         if (face.Triangles.empty())
-            mesh.Skipped.push_back({face.Number, face.Name, "the road gave no triangles"});
+            mesh.Skipped.push_back({face.Number, face.Name, "its edges' shared points enclose no area"});
         else
             mesh.Faces.push_back(std::move(face));
     }
