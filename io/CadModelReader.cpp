@@ -1,5 +1,11 @@
 #include "io/CadModelReader.h"
 
+#include <algorithm>
+#include <atomic>
+#include <optional>
+#include <thread>
+#include <vector>
+
 #include <Bnd_Box.hxx>
 #include <BRepBndLib.hxx>
 #include <BRepGProp.hxx>
@@ -33,20 +39,60 @@ std::string BoundaryVerdict(const std::string& reason, const TopoDS_Face& face)
     return boundary ? KernelMesherVerdict(face) : std::string();
 }
 
-void ConvertOne(const CadFileReader& reader, const HealedShape& healed, const TopoDS_Face& face, int number,
-                EdgeTable& edges, int solid, CadModelData& model)
+// A face as converted, or the reason it was skipped.
+struct Conversion {
+    std::optional<FaceData> Face;
+    SkippedFace Skipped;
+};
+
+Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& edges, int solid)
 {
-    const std::string name = FaceName(reader, healed.Original(face), number);
+    Conversion c;
     try {
-        model.Faces.push_back(ConvertFace(face, number, name, edges));
-        model.Faces.back().Solid = solid;
+        c.Face = ConvertFace(face, number, name, edges);
+        c.Face->Solid = solid;
     } catch (const EFaceSkipped& e) {
-        model.Skipped.push_back({number, name, e.what() + BoundaryVerdict(e.what(), face)});
+        c.Skipped = {number, name, e.what() + BoundaryVerdict(e.what(), face)};
     } catch (const Standard_Failure& e) {
-        model.Skipped.push_back({number, name, std::string("the geometry library failed: ") + e.DynamicType()->Name()});
+        c.Skipped = {number, name, std::string("the geometry library failed: ") + e.DynamicType()->Name()};
     } catch (const std::exception& e) {
-        model.Skipped.push_back({number, name, e.what()});
+        c.Skipped = {number, name, e.what()};
+    } catch (...) {
+        c.Skipped = {number, name, "the conversion failed"};
     }
+    return c;
+}
+
+// Converts the faces on as many threads as the machine has: each face converts on its own,
+// reading the shape and the prepared edge table only (the reader's labels are looked up
+// first, here). Progress is told on this thread.
+std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShape& healed, const TopTools_IndexedMapOfShape& faces,
+                                   EdgeTable& edges, const std::vector<int>& solidOf, const ProgressFn& progress)
+{
+    const int count = faces.Extent();
+    std::vector<std::string> names;
+    for (int i = 1; i <= count; ++i) names.push_back(FaceName(reader, healed.Original(faces(i)), i));
+    std::vector<Conversion> done(static_cast<std::size_t>(count));
+    std::atomic<int> next{0}, finished{0};
+    int told = 0;  // each face's step is told once, in order, on this thread
+    auto tell = [&](int upTo) {
+        while (progress && told < upTo) progress(++told, count);
+    };
+    auto work = [&](bool here) {
+        for (int i = next++; i < count; i = next++) {
+            const auto k = static_cast<std::size_t>(i);
+            done[k] = ConvertOne(TopoDS::Face(faces(i + 1)), i + 1, names[k], edges, solidOf[k]);
+            const int total = ++finished;
+            if (here) tell(total);
+        }
+    };
+    const int threads = std::min(count, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
+    std::vector<std::thread> helpers;
+    for (int t = 1; t < threads; ++t) helpers.emplace_back(work, false);
+    work(true);
+    for (std::thread& h : helpers) h.join();
+    tell(count);
+    return done;
 }
 
 void MeasureShape(const TopoDS_Shape& shape, CadModelData& model)
@@ -113,9 +159,12 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
     // Half the tolerance: a boundary triangle adds its own chord to its side's.
     EdgeTable edges(model.Tolerance / 2.0);
-    for (int i = 1; i <= faces.Extent(); ++i) {
-        ConvertOne(reader, healed, TopoDS::Face(faces(i)), i, edges, solidOf[static_cast<std::size_t>(i - 1)], model);
-        if (Progress) Progress(i, faces.Extent());
+    edges.AddAll(shape);
+    for (Conversion& c : ConvertAll(reader, healed, faces, edges, solidOf, Progress)) {
+        if (c.Face)
+            model.Faces.push_back(std::move(*c.Face));
+        else
+            model.Skipped.push_back(std::move(c.Skipped));
     }
     model.Edges = edges.Take();
     try {

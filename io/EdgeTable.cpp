@@ -1,6 +1,7 @@
 #include "io/EdgeTable.h"
 
 #include <algorithm>
+#include <iterator>
 #include <cmath>
 
 #include <BRepAdaptor_Curve.hxx>
@@ -48,8 +49,36 @@ double SamplingDeflection(const BRepAdaptor_Curve& Curve, double T0, double T1, 
 
 EdgeTable::EdgeTable(double Tolerance) : FTolerance(Tolerance) {}
 
+void EdgeTable::AddAll(const TopoDS_Shape& Shape)
+{
+    TopTools_IndexedMapOfShape edges;
+    TopExp::MapShapes(Shape, TopAbs_EDGE, edges);
+    for (int i = 1; i <= edges.Extent(); ++i) Index(TopoDS::Edge(edges(i)));
+}
+
+const std::vector<double>& EdgeTable::Parameters(int Index) const
+{
+    const std::lock_guard lock(FMutex);
+    return FParameters[static_cast<std::size_t>(Index)];
+}
+
+const EdgeData& EdgeTable::Data(int Index) const
+{
+    const std::lock_guard lock(FMutex);
+    return FData[static_cast<std::size_t>(Index)];
+}
+
+std::vector<EdgeData> EdgeTable::Take()
+{
+    const std::lock_guard lock(FMutex);
+    std::vector<EdgeData> data(std::make_move_iterator(FData.begin()), std::make_move_iterator(FData.end()));
+    FData.clear();
+    return data;
+}
+
 int EdgeTable::Index(const TopoDS_Edge& Edge)
 {
+    const std::lock_guard lock(FMutex);
     const int known = FEdges.FindIndex(Edge);
     if (known > 0) return known - 1;
     FEdges.Add(Edge);

@@ -2,10 +2,13 @@
 // faces on both sides of an edge take the same points and their meshes meet vertex to vertex.
 #pragma once
 
+#include <deque>
+#include <mutex>
 #include <vector>
 
 #include <TopTools_IndexedMapOfShape.hxx>
 #include <TopoDS_Edge.hxx>
+#include <TopoDS_Shape.hxx>
 
 #include "io/CadFaceData.h"
 
@@ -20,23 +23,29 @@ public:
     // Tolerance: the largest distance between an edge's polyline and its curve.
     explicit EdgeTable(double Tolerance);
 
-    // The index of Edge, whatever its orientation; discretises it when first asked.
+    // Discretises every edge of Shape in the order the shape holds them: the indices do not
+    // then depend on the order in which faces ask for them, on one thread or several.
+    void AddAll(const TopoDS_Shape& Shape);
+
+    // The index of Edge, whatever its orientation; discretises it when first asked. Safe to
+    // call from several threads, as are the two below.
     int Index(const TopoDS_Edge& Edge);
 
     // The parameters of the edge's points on its 3D curve, ascending (first and last for a
     // degenerate edge).
-    const std::vector<double>& Parameters(int Index) const { return FParameters[static_cast<std::size_t>(Index)]; }
-    const EdgeData& Data(int Index) const { return FData[static_cast<std::size_t>(Index)]; }
+    const std::vector<double>& Parameters(int Index) const;
+    const EdgeData& Data(int Index) const;
 
-    std::vector<EdgeData> Take() { return std::move(FData); }
+    std::vector<EdgeData> Take();
 
 private:
     void Discretise(const TopoDS_Edge& Edge);
 
     double FTolerance;
+    mutable std::mutex FMutex;
     TopTools_IndexedMapOfShape FEdges;
-    std::vector<EdgeData> FData;
-    std::vector<std::vector<double>> FParameters;
+    std::deque<EdgeData> FData;  // a deque: what Data gives stays in place as edges are added
+    std::deque<std::vector<double>> FParameters;
 };
 
 }  // namespace orvane::io
