@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -25,6 +26,30 @@ namespace orvane::io {
 namespace {
 
 constexpr double kRelativeMeasureError = 1e-6;
+
+// Runs Work(i) for every i in [0, Count) on as many threads as the machine has, this one
+// among them; Done(n) runs on this thread for n = 1..Count in order, once that many are done.
+void OnEveryCore(int count, const std::function<void(int)>& work, const std::function<void(int)>& done = {})
+{
+    std::atomic<int> next{0}, finished{0};
+    int told = 0;
+    auto tell = [&](int upTo) {
+        while (done && told < upTo) done(++told);
+    };
+    auto run = [&](bool here) {
+        for (int i = next++; i < count; i = next++) {
+            work(i);
+            const int total = ++finished;
+            if (here) tell(total);
+        }
+    };
+    const int threads = std::min(count, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
+    std::vector<std::thread> helpers;
+    for (int t = 1; t < threads; ++t) helpers.emplace_back(run, false);
+    run(true);
+    for (std::thread& h : helpers) h.join();
+    tell(count);
+}
 
 std::string FaceName(const CadFileReader& reader, const TopoDS_Shape& face, int number)
 {
@@ -73,68 +98,68 @@ std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShap
     std::vector<std::string> names;
     for (int i = 1; i <= count; ++i) names.push_back(FaceName(reader, healed.Original(faces(i)), i));
     std::vector<Conversion> done(static_cast<std::size_t>(count));
-    std::atomic<int> next{0}, finished{0};
-    int told = 0;  // each face's step is told once, in order, on this thread
-    auto tell = [&](int upTo) {
-        while (progress && told < upTo) progress(++told, count);
-    };
-    auto work = [&](bool here) {
-        for (int i = next++; i < count; i = next++) {
+    OnEveryCore(
+        count,
+        [&](int i) {
             const auto k = static_cast<std::size_t>(i);
             done[k] = ConvertOne(TopoDS::Face(faces(i + 1)), i + 1, names[k], edges, solidOf[k]);
-            const int total = ++finished;
-            if (here) tell(total);
-        }
-    };
-    const int threads = std::min(count, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
-    std::vector<std::thread> helpers;
-    for (int t = 1; t < threads; ++t) helpers.emplace_back(work, false);
-    work(true);
-    for (std::thread& h : helpers) h.join();
-    tell(count);
+        },
+        [&](int n) {
+            if (progress) progress(n, count);
+        });
     return done;
 }
 
-void MeasureShape(const TopoDS_Shape& shape, CadModelData& model)
+// The model's box (each face's optimal box, joined) and exact area, face by face on every core.
+void MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model)
 {
-    GProp_GProps area;
-    BRepGProp::SurfaceProperties(shape, area);
-    model.ExactArea = area.Mass();
-    for (const SolidData& solid : model.Solids) model.ExactVolume += solid.ExactVolume;
-    model.SolidCount = static_cast<int>(model.Solids.size());
-}
-
-void MeasureBox(const TopoDS_Shape& shape, CadModelData& model)
-{
+    std::vector<Bnd_Box> boxes(static_cast<std::size_t>(faces.Extent()));
+    std::vector<double> areas(boxes.size(), 0.0);
+    OnEveryCore(faces.Extent(), [&](int i) {
+        const auto k = static_cast<std::size_t>(i);
+        try {
+            BRepBndLib::AddOptimal(faces(i + 1), boxes[k], Standard_False, Standard_False);
+            GProp_GProps area;
+            BRepGProp::SurfaceProperties(faces(i + 1), area);
+            areas[k] = area.Mass();
+        } catch (const Standard_Failure&) {
+            // Measures are for the tolerance, reports and checks: such a face still converts.
+        }
+    });
     Bnd_Box box;
-    BRepBndLib::AddOptimal(shape, box, Standard_False, Standard_False);
-    if (box.IsVoid()) return;
+    for (const Bnd_Box& b : boxes) box.Add(b);
+    for (const double a : areas) model.ExactArea += a;
+    if (box.IsVoid()) return;  // the default tolerance then falls back to its floor
     double x0, y0, z0, x1, y1, z1;
     box.Get(x0, y0, z0, x1, y1, z1);
     model.Box = {{x0, y0, z0}, {x1, y1, z1}};
 }
 
 // The solid each face belongs to (the first that holds it), -1 for a face in none; one entry
-// of Model.Solids a solid, with its exact volume.
+// of Model.Solids a solid, with its exact volume (the solids measured on every core).
 std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& faces, CadModelData& model)
 {
-    std::vector<int> solidOf(static_cast<std::size_t>(faces.Extent()), -1);
-    for (TopExp_Explorer ex(shape, TopAbs_SOLID); ex.More(); ex.Next()) {
-        const int solid = static_cast<int>(model.Solids.size());
-        SolidData data;
+    std::vector<TopoDS_Shape> solids;
+    for (TopExp_Explorer ex(shape, TopAbs_SOLID); ex.More(); ex.Next()) solids.push_back(ex.Current());
+    model.Solids.resize(solids.size());
+    OnEveryCore(static_cast<int>(solids.size()), [&](int i) {
         try {
             GProp_GProps volume;
             // Adaptive: the fixed rule is off by half a percent on a lofted B-spline solid.
-            BRepGProp::VolumeProperties(ex.Current(), volume, kRelativeMeasureError);
-            data.ExactVolume = volume.Mass();
+            BRepGProp::VolumeProperties(solids[static_cast<std::size_t>(i)], volume, kRelativeMeasureError);
+            model.Solids[static_cast<std::size_t>(i)].ExactVolume = volume.Mass();
         } catch (const Standard_Failure&) {
         }
-        model.Solids.push_back(data);
-        for (TopExp_Explorer f(ex.Current(), TopAbs_FACE); f.More(); f.Next()) {
+    });
+    std::vector<int> solidOf(static_cast<std::size_t>(faces.Extent()), -1);
+    for (std::size_t solid = 0; solid < solids.size(); ++solid) {
+        model.ExactVolume += model.Solids[solid].ExactVolume;
+        for (TopExp_Explorer f(solids[solid], TopAbs_FACE); f.More(); f.Next()) {
             const int index = faces.FindIndex(f.Current());
-            if (index > 0 && solidOf[static_cast<std::size_t>(index - 1)] < 0) solidOf[static_cast<std::size_t>(index - 1)] = solid;
+            if (index > 0 && solidOf[static_cast<std::size_t>(index - 1)] < 0) solidOf[static_cast<std::size_t>(index - 1)] = static_cast<int>(solid);
         }
     }
+    model.SolidCount = static_cast<int>(solids.size());
     return solidOf;
 }
 
@@ -150,11 +175,7 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
     CadModelData model;
     model.Format = reader.FormatName();
-    try {
-        MeasureBox(shape, model);
-    } catch (const Standard_Failure&) {
-        // The default tolerance then falls back to its floor.
-    }
+    MeasureFaces(faces, model);
     model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
     const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
     // Half the tolerance: a boundary triangle adds its own chord to its side's.
@@ -167,11 +188,6 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
             model.Skipped.push_back(std::move(c.Skipped));
     }
     model.Edges = edges.Take();
-    try {
-        MeasureShape(shape, model);
-    } catch (const Standard_Failure&) {
-        // Measures are for reports and checks; a shape the library cannot measure still meshes.
-    }
     return model;
 }
 
