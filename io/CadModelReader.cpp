@@ -1,10 +1,7 @@
 #include "io/CadModelReader.h"
 
 #include <algorithm>
-#include <atomic>
-#include <functional>
 #include <optional>
-#include <thread>
 #include <vector>
 
 #include <Bnd_Box.hxx>
@@ -18,6 +15,7 @@
 #include <TopoDS.hxx>
 
 #include "io/CadFileReader.h"
+#include "io/EveryCore.h"
 #include "io/FaceConverter.h"
 #include "io/ModelMesher.h"
 #include "io/ShapeHealing.h"
@@ -26,30 +24,6 @@ namespace orvane::io {
 namespace {
 
 constexpr double kRelativeMeasureError = 1e-6;
-
-// Runs Work(i) for every i in [0, Count) on as many threads as the machine has, this one
-// among them; Done(n) runs on this thread for n = 1..Count in order, once that many are done.
-void OnEveryCore(int count, const std::function<void(int)>& work, const std::function<void(int)>& done = {})
-{
-    std::atomic<int> next{0}, finished{0};
-    int told = 0;
-    auto tell = [&](int upTo) {
-        while (done && told < upTo) done(++told);
-    };
-    auto run = [&](bool here) {
-        for (int i = next++; i < count; i = next++) {
-            work(i);
-            const int total = ++finished;
-            if (here) tell(total);
-        }
-    };
-    const int threads = std::min(count, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
-    std::vector<std::thread> helpers;
-    for (int t = 1; t < threads; ++t) helpers.emplace_back(run, false);
-    run(true);
-    for (std::thread& h : helpers) h.join();
-    tell(count);
-}
 
 std::string FaceName(const CadFileReader& reader, const TopoDS_Shape& face, int number)
 {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "io/BoundaryThinning.h"
+#include "io/EveryCore.h"
 #include "io/TurnedEasing.h"
 #include "io/KernelFace.h"
 
@@ -398,17 +399,23 @@ private:
 
 void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts)
 {
-    for (std::size_t i = 0; i < Drafts.size(); ++i) ThinBoundaryCrossings(Drafts[i], *Faces[i], Model.Edges);
+    // Each face's own steps run on every core; the marks of an edge are gathered across faces.
+    const int count = static_cast<int>(Drafts.size());
+    OnEveryCore(count, [&](int i) {
+        ThinBoundaryCrossings(Drafts[static_cast<std::size_t>(i)], *Faces[static_cast<std::size_t>(i)], Model.Edges);
+    });
     std::vector<EdgeMarks> marks(Model.Edges.size());
     for (const FaceDraft& d : Drafts) Collect(d, marks);
     for (EdgeMarks& m : marks) Merge(m);
-    for (std::size_t i = 0; i < Drafts.size(); ++i) {
-        DraftStitcher stitcher(Model, *Faces[i], Drafts[i], marks);
+    OnEveryCore(count, [&](int i) {
+        FaceDraft& draft = Drafts[static_cast<std::size_t>(i)];
+        const FaceData& face = *Faces[static_cast<std::size_t>(i)];
+        DraftStitcher stitcher(Model, face, draft, marks);
         stitcher.Place();
         stitcher.Split();
         stitcher.RepairTurned();
-        EaseTurned(Drafts[i], *Faces[i]);
-    }
+        EaseTurned(draft, face);
+    });
 }
 
 std::size_t PointWelder::KeyHash::operator()(const Key& k) const noexcept

@@ -9,6 +9,7 @@
 #include "contracts/AppSystem.h"
 #include "contracts/Interfaces.h"
 #include "io/EdgeStitching.h"
+#include "io/EveryCore.h"
 #include "io/FacePreparation.h"
 #include "io/FaceValidation.h"
 #include "io/GluRoad.h"
@@ -24,18 +25,34 @@ double Since(Clock::time_point start)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Catches what is shown through the application's message sink while it lives.
+// Where the messages shown on this thread go while a face is meshed on it.
+thread_local std::vector<std::string>* tShown = nullptr;
+
+// Catches what is shown through the application's message sink while it lives: each message
+// goes to the face being meshed on the thread that showed it (see ShownFor).
 class MessageCatcher {
 public:
-    MessageCatcher() : FPrevious(AppSys.SetMessageSink([this](const std::string& text, int) { FTexts.push_back(text); })) {}
+    MessageCatcher()
+        : FPrevious(AppSys.SetMessageSink([](const std::string& text, int) {
+              if (tShown) tShown->push_back(text);
+          }))
+    {
+    }
     ~MessageCatcher() { AppSys.SetMessageSink(FPrevious); }
     MessageCatcher(const MessageCatcher&) = delete;
     MessageCatcher& operator=(const MessageCatcher&) = delete;
-    std::vector<std::string> Take() { return std::exchange(FTexts, {}); }
 
 private:
-    std::vector<std::string> FTexts;
     TMessageSink FPrevious;
+};
+
+// Sends what this thread shows into Texts while it lives.
+class ShownFor {
+public:
+    explicit ShownFor(std::vector<std::string>& texts) { tShown = &texts; }
+    ~ShownFor() { tShown = nullptr; }
+    ShownFor(const ShownFor&) = delete;
+    ShownFor& operator=(const ShownFor&) = delete;
 };
 
 // The flat arrays of a face the GLU road meshed, as an indexed mesh: each vertex its own,
@@ -55,6 +72,40 @@ struct FaceSlot {
     int Draft = -1;
     FaceMesh Glu;
 };
+
+// What became of a face on its road: the GLU road's mesh, or else the quad road's draft, or
+// else why the face is skipped; with what it showed on the way.
+struct FaceOutcome {
+    FaceMesh Glu;
+    std::optional<FaceDraft> Draft;
+    std::string Refused;
+    std::string GluNote;  // why GLU handed the face to the quad road
+    std::vector<std::string> Shown;
+    double Seconds = 0.0;
+};
+
+FaceOutcome MeshOne(const FaceData& f, GluRoad* glu, double tolerance, long long maxQuads)
+{
+    FaceOutcome o;
+    const ShownFor shown(o.Shown);
+    try {
+        if (auto problem = FindFaceProblem(f, 1e-9); !problem.empty()) throw EFaceRefused(problem);
+        o.Glu = {f.Number, f.Name, f.Solid, {}, {}, 0, true, {}, {}, {}, {}};
+        const std::string refused = glu ? MeshFaceByGlu(*glu, f, o.Glu) : "quad";
+        if (refused.empty()) return o;
+        if (glu) o.GluNote = refused + "; meshed on the quad road instead";
+        const auto start = Clock::now();
+        // A face GLU gave up on is meshed no coarser than the GLU road's half pixel.
+        if (glu && glu->QuadTolerance() > 0.0) tolerance = std::min(tolerance, glu->QuadTolerance());
+        o.Draft = DraftQuadFace(f, tolerance, maxQuads);
+        o.Seconds = Since(start);
+        if (o.Draft->Triangles.empty()) throw EFaceRefused("the road gave no triangles");
+    } catch (const std::exception& e) {
+        o.Draft.reset();
+        o.Refused = e.what();
+    }
+    return o;
+}
 
 }  // namespace
 
@@ -79,36 +130,40 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
     mesh.Tolerance = Settings.Tolerance > 0.0 ? Settings.Tolerance : DefaultTolerance(Model);
     std::optional<GluRoad> glu;
     if (Settings.Road == MeshRoad::Glu) glu.emplace(Model.Box, Settings.ViewWidth, Settings.ViewHeight);
-    MessageCatcher messages;
+    const MessageCatcher messages;
+    // The quad road meshes the faces on every core; GLU's context serves one face at a time.
+    const int count = static_cast<int>(Model.Faces.size());
+    std::vector<FaceOutcome> outcomes(Model.Faces.size());
+    auto meshOne = [&](int i) {
+        outcomes[static_cast<std::size_t>(i)] =
+            MeshOne(Model.Faces[static_cast<std::size_t>(i)], glu ? &*glu : nullptr, mesh.Tolerance, Settings.MaxQuads);
+    };
+    auto told = [&](int n) {
+        if (Progress) Progress(n, count);
+    };
+    if (glu) {
+        for (int i = 0; i < count; ++i) meshOne(i), told(i + 1);
+    } else {
+        OnEveryCore(count, meshOne, told);
+    }
     std::vector<FaceSlot> slots;
     std::vector<const FaceData*> quadFaces;
     std::vector<FaceDraft> drafts;
-    int done = 0;
-    for (const FaceData& f : Model.Faces) {
-        try {
-            if (auto problem = FindFaceProblem(f, 1e-9); !problem.empty()) throw EFaceRefused(problem);
-            FaceSlot slot{&f, -1, {f.Number, f.Name, f.Solid, {}, {}, 0, true, {}, {}, {}, {}}};
-            const std::string refused = glu ? MeshFaceByGlu(*glu, f, slot.Glu) : "quad";
-            if (refused.empty()) {
-                slots.push_back(std::move(slot));
-            } else {
-                if (glu) mesh.Notes.push_back({f.Number, f.Name, refused + "; meshed on the quad road instead"});
-                const auto start = Clock::now();
-                // A face GLU gave up on is meshed no coarser than the GLU road's half pixel.
-                const double tolerance = glu && glu->QuadTolerance() > 0.0 ? std::min(mesh.Tolerance, glu->QuadTolerance())
-                                                                           : mesh.Tolerance;
-                FaceDraft draft = DraftQuadFace(f, tolerance, Settings.MaxQuads);
-                mesh.TessellateSeconds += Since(start);
-                if (draft.Triangles.empty()) throw EFaceRefused("the road gave no triangles");
-                slots.push_back({&f, static_cast<int>(drafts.size()), {}});
-                quadFaces.push_back(&f);
-                drafts.push_back(std::move(draft));
-            }
-        } catch (const std::exception& e) {
-            mesh.Skipped.push_back({f.Number, f.Name, e.what()});
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        const FaceData& f = Model.Faces[i];
+        FaceOutcome& o = outcomes[i];
+        if (!o.GluNote.empty()) mesh.Notes.push_back({f.Number, f.Name, o.GluNote});
+        if (!o.Refused.empty()) {
+            mesh.Skipped.push_back({f.Number, f.Name, o.Refused});
+        } else if (o.Draft) {
+            mesh.TessellateSeconds += o.Seconds;
+            slots.push_back({&f, static_cast<int>(drafts.size()), {}});
+            quadFaces.push_back(&f);
+            drafts.push_back(std::move(*o.Draft));
+        } else {
+            slots.push_back({&f, -1, std::move(o.Glu)});
         }
-        for (const std::string& text : messages.Take()) mesh.Notes.push_back({f.Number, f.Name, text});
-        if (Progress) Progress(++done, static_cast<int>(Model.Faces.size()));
+        for (const std::string& text : o.Shown) mesh.Notes.push_back({f.Number, f.Name, text});
     }
     const auto start = Clock::now();
     StitchDrafts(Model, quadFaces, drafts);
