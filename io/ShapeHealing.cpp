@@ -287,7 +287,7 @@ int FreeEdges(const TopoDS_Shape& shape)
 }
 
 // Faces that meet along edges of their own (as IGES files often give them) sewn into shells
-// that share those edges, within a ten-thousandth of the shape's size; the shape as it is
+// that share those edges, within a thousandth of the shape's size; the shape as it is
 // where it has no free edge or sewing fails. Original learns each sewn face's face.
 TopoDS_Shape Sewn(const TopoDS_Shape& shape, TopTools_DataMapOfShapeShape& original)
 {
@@ -440,6 +440,10 @@ HealedShape::HealedShape(const TopoDS_Shape& Read) : FShape(Read)
     } catch (const Standard_Failure&) {
         // The spikes stay; the faces convert as they are.
     }
+    // A cut loop no longer shares the stretch it kept with the face beside it: sewn again.
+    TopTools_DataMapOfShapeShape resewn;
+    FShape = Sewn(FShape, resewn);
+    for (TopTools_DataMapOfShapeShape::Iterator it(resewn); it.More(); it.Next()) FOriginal.Bind(it.Key(), Original(it.Value()));
     TopTools_IndexedMapOfShape faces;
     TopExp::MapShapes(FShape, TopAbs_FACE, faces);
     for (int i = 1; i <= faces.Extent(); ++i) {
