@@ -71,7 +71,7 @@ struct FaceData {
     std::vector<TrimLoopData> Loops;  // the outer loop first, then the holes
     bool Reversed = false;            // material normal is the surface normal negated
     DerivativeBounds Bounds;
-    double ExactArea = 0.0;           // the face's area as the reader's library measures it
+    double ExactArea = 0.0;           // the face's area as the reader's library measures it (the reader sets it)
     int Solid = -1;                   // index into CadModelData::Solids; -1: not in a solid
 };
 

@@ -44,12 +44,13 @@ struct Conversion {
     SkippedFace Skipped;
 };
 
-Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& edges, int solid)
+Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& edges, int solid, double area)
 {
     Conversion c;
     try {
         c.Face = ConvertFace(face, number, name, edges);
         c.Face->Solid = solid;
+        c.Face->ExactArea = area;
     } catch (const EFaceSkipped& e) {
         c.Skipped = {number, name, e.what() + BoundaryVerdict(e.what(), face)};
     } catch (const Standard_Failure& e) {
@@ -66,7 +67,8 @@ Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& na
 // reading the shape and the prepared edge table only (the reader's labels are looked up
 // first, here). Progress is told on this thread.
 std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShape& healed, const TopTools_IndexedMapOfShape& faces,
-                                   EdgeTable& edges, const std::vector<int>& solidOf, const ProgressFn& progress)
+                                   EdgeTable& edges, const std::vector<int>& solidOf, const std::vector<double>& areas,
+                                   const ProgressFn& progress)
 {
     const int count = faces.Extent();
     std::vector<std::string> names;
@@ -76,7 +78,7 @@ std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShap
         count,
         [&](int i) {
             const auto k = static_cast<std::size_t>(i);
-            done[k] = ConvertOne(TopoDS::Face(faces(i + 1)), i + 1, names[k], edges, solidOf[k]);
+            done[k] = ConvertOne(TopoDS::Face(faces(i + 1)), i + 1, names[k], edges, solidOf[k], areas[k]);
         },
         [&](int n) {
             if (progress) progress(n, count);
@@ -84,8 +86,9 @@ std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShap
     return done;
 }
 
-// The model's box (each face's optimal box, joined) and exact area, face by face on every core.
-void MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model)
+// The model's box (each face's optimal box, joined) and exact area, face by face on every core;
+// gives each face's area.
+std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model)
 {
     std::vector<Bnd_Box> boxes(static_cast<std::size_t>(faces.Extent()));
     std::vector<double> areas(boxes.size(), 0.0);
@@ -103,10 +106,11 @@ void MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model)
     Bnd_Box box;
     for (const Bnd_Box& b : boxes) box.Add(b);
     for (const double a : areas) model.ExactArea += a;
-    if (box.IsVoid()) return;  // the default tolerance then falls back to its floor
+    if (box.IsVoid()) return areas;  // the default tolerance then falls back to its floor
     double x0, y0, z0, x1, y1, z1;
     box.Get(x0, y0, z0, x1, y1, z1);
     model.Box = {{x0, y0, z0}, {x1, y1, z1}};
+    return areas;
 }
 
 // The solid each face belongs to (the first that holds it), -1 for a face in none; one entry
@@ -149,13 +153,13 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
     CadModelData model;
     model.Format = reader.FormatName();
-    MeasureFaces(faces, model);
+    const std::vector<double> areas = MeasureFaces(faces, model);
     model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
     const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
     // Half the tolerance: a boundary triangle adds its own chord to its side's.
     EdgeTable edges(model.Tolerance / 2.0);
     edges.AddAll(shape);
-    for (Conversion& c : ConvertAll(reader, healed, faces, edges, solidOf, Progress)) {
+    for (Conversion& c : ConvertAll(reader, healed, faces, edges, solidOf, areas, Progress)) {
         if (c.Face)
             model.Faces.push_back(std::move(*c.Face));
         else

@@ -7,10 +7,8 @@
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_NurbsConvert.hxx>
-#include <BRepGProp.hxx>
 #include <BRepTools.hxx>
 #include <BRep_Tool.hxx>
-#include <GProp_GProps.hxx>
 #include <Geom2dConvert.hxx>
 #include <Geom2d_BSplineCurve.hxx>
 #include <Geom2d_TrimmedCurve.hxx>
@@ -532,13 +530,6 @@ std::string SourceKind(const TopoDS_Face& face)
     return name;
 }
 
-double FaceArea(const TopoDS_Face& face)
-{
-    GProp_GProps props;
-    BRepGProp::SurfaceProperties(face, props);
-    return props.Mass();
-}
-
 FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& table)
 {
     EdgeContext edges{table, {}};
@@ -570,7 +561,6 @@ FaceData Convert(const TopoDS_Face& face, int number, const std::string& name, E
         ReprojectStrayTrimCurves(converted, domain.Min.X, domain.Max.X, domain.Min.Y, domain.Max.Y))
         f.Loops = Loops(converted, s, domain, edges);
     f.Bounds = SampleDerivatives(s);
-    f.ExactArea = FaceArea(face);
     // What the meshers would refuse is refused here, where the reader can say what
     // OpenCASCADE's own mesher makes of the face.
     if (auto problem = FindFaceProblem(f, 1e-9); !problem.empty()) throw EFaceSkipped(problem);
