@@ -291,7 +291,8 @@ int FreeEdges(const TopoDS_Shape& shape)
 // where it has no free edge or sewing fails. Original learns each sewn face's face.
 TopoDS_Shape Sewn(const TopoDS_Shape& shape, TopTools_DataMapOfShapeShape& original)
 {
-    if (FreeEdges(shape) == 0) return shape;
+    const int free = FreeEdges(shape);
+    if (free == 0) return shape;
     try {
         Bnd_Box box;
         BRepBndLib::Add(shape, box);
@@ -300,7 +301,7 @@ TopoDS_Shape Sewn(const TopoDS_Shape& shape, TopTools_DataMapOfShapeShape& origi
         sewing.Add(shape);
         sewing.Perform();
         const TopoDS_Shape sewn = sewing.SewedShape();
-        if (sewn.IsNull() || FreeEdges(sewn) >= FreeEdges(shape)) return shape;
+        if (sewn.IsNull() || FreeEdges(sewn) >= free) return shape;
         for (TopExp_Explorer ex(shape, TopAbs_FACE); ex.More(); ex.Next())
             if (sewing.IsModifiedSubShape(ex.Current())) original.Bind(sewing.ModifiedSubShape(ex.Current()), ex.Current());
         return sewn;

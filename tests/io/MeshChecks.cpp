@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include <GeomAPI_ProjectPointOnSurf.hxx>
 #include <ShapeAnalysis_Surface.hxx>
@@ -94,23 +93,6 @@ double SignedVolume(const TFloatDynArray& tri)
     return volume;
 }
 
-double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh)
-{
-    const double enough = 1e-7 * model.Box.Diagonal();
-    double worst = 0.0;
-    for (const FaceMesh& f : mesh.Faces) {
-        Projector projector(FaceOf(model, f.Number));
-        // Each distinct vertex once: the triangles share them.
-        std::map<std::tuple<double, double, double>, bool> seen;
-        for (std::size_t v = 0; v < f.Tri.size() / 3; ++v) {
-            const TPoint3D p = At(f.Tri, v);
-            if (!seen.emplace(std::make_tuple(p.X, p.Y, p.Z), true).second) continue;
-            worst = std::max(worst, projector.Distance(p, enough));
-        }
-    }
-    return worst;
-}
-
 namespace {
 
 TPoint3D PointOf(const ModelMesh& mesh, const FaceMesh& f, int v)
@@ -119,6 +101,23 @@ TPoint3D PointOf(const ModelMesh& mesh, const FaceMesh& f, int v)
 }
 
 }  // namespace
+
+double WorstVertexDistance(const CadModelData& model, const ModelMesh& mesh)
+{
+    const double enough = 1e-7 * model.Box.Diagonal();
+    double worst = 0.0;
+    for (const FaceMesh& f : mesh.Faces) {
+        Projector projector(FaceOf(model, f.Number));
+        // Each of the face's model points once: its triangles share them.
+        std::vector<bool> seen(mesh.Points.size(), false);
+        for (const int point : f.Points) {
+            if (seen[static_cast<std::size_t>(point)]) continue;
+            seen[static_cast<std::size_t>(point)] = true;
+            worst = std::max(worst, projector.Distance(mesh.Points[static_cast<std::size_t>(point)], enough));
+        }
+    }
+    return worst;
+}
 
 Deviation WorstDeviation(const CadModelData& model, const ModelMesh& mesh, double enough)
 {
