@@ -14,6 +14,8 @@
 #include <StepRepr_RepresentationItem.hxx>
 #include <Standard_Failure.hxx>
 #include <TCollection_HAsciiString.hxx>
+#include <TransferBRep.hxx>
+#include <Transfer_TransientProcess.hxx>
 #include <XSControl_TransferReader.hxx>
 #include <XSControl_WorkSession.hxx>
 
@@ -74,6 +76,7 @@ CadFileReader::CadFileReader(const std::string& Path) : FFormat(SniffCadFormat(P
             throw ECadFileError(Path + ": the " + FormatName() + " reader cannot make sense of it");
         FReader->TransferRoots();
         FShape = FReader->OneShape();
+        IndexTransfer();
     } catch (const Standard_Failure& e) {
         throw ECadFileError(Path + ": the " + FormatName() + " reader failed (" + e.DynamicType()->Name() + ")");
     }
@@ -81,10 +84,35 @@ CadFileReader::CadFileReader(const std::string& Path) : FFormat(SniffCadFormat(P
 
 CadFileReader::~CadFileReader() = default;
 
-std::string CadFileReader::EntityLabel(const TopoDS_Shape& S) const
+void CadFileReader::IndexTransfer()
 {
     const Handle(XSControl_TransferReader) transfer = FReader->WS()->TransferReader();
-    const Handle(Standard_Transient) entity = transfer.IsNull() ? nullptr : transfer->EntityFromShapeResult(S, 1);
+    const Handle(Transfer_TransientProcess) process = transfer.IsNull() ? nullptr : transfer->TransientProcess();
+    if (process.IsNull()) return;
+    for (int i = 1; i <= process->NbMapped(); ++i) {
+        const Handle(Standard_Transient) entity = process->Mapped(i);
+        const TopoDS_Shape shape = TransferBRep::ShapeResult(process, entity);
+        if (!shape.IsNull()) FMade[shape.TShape().get()].push_back({shape, entity});
+    }
+}
+
+// The entity whose result is this very shape, orientation included; else the last one whose
+// result is the same shape in another orientation.
+Handle(Standard_Transient) CadFileReader::EntityOf(const TopoDS_Shape& S) const
+{
+    const auto found = S.IsNull() ? FMade.end() : FMade.find(S.TShape().get());
+    if (found == FMade.end()) return nullptr;
+    Handle(Standard_Transient) same;
+    for (const Made& m : found->second) {
+        if (m.Shape.IsEqual(S)) return m.Entity;
+        if (m.Shape.IsSame(S)) same = m.Entity;
+    }
+    return same;
+}
+
+std::string CadFileReader::EntityLabel(const TopoDS_Shape& S) const
+{
+    const Handle(Standard_Transient) entity = EntityOf(S);
     if (entity.IsNull()) return {};
     std::ostringstream label;
     if (auto step = Handle(StepData_StepModel)::DownCast(FReader->Model())) {

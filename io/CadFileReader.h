@@ -4,7 +4,10 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
+#include <Standard_Transient.hxx>
 #include <TopoDS_Shape.hxx>
 
 class XSControl_Reader;
@@ -42,9 +45,20 @@ public:
     std::string EntityLabel(const TopoDS_Shape& S) const;
 
 private:
+    // A shape the transfer made, and the entity it came from.
+    struct Made {
+        TopoDS_Shape Shape;
+        Handle(Standard_Transient) Entity;
+    };
+    // Every shape of the transfer by its TShape and location, in the transfer's order, so that
+    // a label costs one look-up rather than a walk of the whole transfer.
+    void IndexTransfer();
+    Handle(Standard_Transient) EntityOf(const TopoDS_Shape& S) const;
+
     CadFormat FFormat;
     std::unique_ptr<XSControl_Reader> FReader;
     TopoDS_Shape FShape;
+    std::unordered_map<const void*, std::vector<Made>> FMade;
 };
 
 }  // namespace orvane::io
