@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "contracts/Interfaces.h"
 
@@ -12,7 +13,7 @@ namespace orvane {
 // Receives each shown message: the text and the integer that came with it.
 using TMessageSink = std::function<void(const std::string& text, int kind)>;
 
-class TAppSystem {
+class ORVANE_API TAppSystem {
 public:
     TAppSystem();
 
@@ -36,6 +37,6 @@ private:
 };
 
 // The application object of the host.
-extern TAppSystem AppSys;
+extern ORVANE_API TAppSystem AppSys;
 
 }  // namespace orvane

@@ -16,13 +16,14 @@
 #include <vector>
 
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "contracts/GeBezier.h"
 
 namespace orvane {
 
 // --- Surfaces ---------------------------------------------------------------------------
 
-class TGeSurface {
+class ORVANE_API TGeSurface {
 public:
     virtual ~TGeSurface() = default;
     virtual TPoint3D GetPoint(double U, double V) const = 0;
@@ -30,7 +31,7 @@ public:
 
 // A tensor-product NURBS surface with clamped knot vectors. Control points and weights are
 // stored U-major: the point (I, J) at index I * CtrlCountV + J.
-class TGeNurbsSurface : public TGeSurface {
+class ORVANE_API TGeNurbsSurface : public TGeSurface {
 public:
     // AWeights empty: a non-rational surface, every weight 1. Otherwise one weight a point,
     // and the surface is rational whatever the values.
@@ -70,7 +71,7 @@ private:
 };
 
 // A NURBS surface wrapped with the kernel's extended data; it is the wrapped surface.
-class TGeNurbsSurfaceExt : public TGeSurface {
+class ORVANE_API TGeNurbsSurfaceExt : public TGeSurface {
 public:
     explicit TGeNurbsSurfaceExt(std::unique_ptr<TGeNurbsSurface> ASurface);
 
@@ -85,7 +86,7 @@ private:
 
 // --- Planar curves ----------------------------------------------------------------------
 
-class TGeCurve2D {
+class ORVANE_API TGeCurve2D {
 public:
     virtual ~TGeCurve2D() = default;
     virtual TPoint2D GetStartPoint() const = 0;
@@ -107,7 +108,7 @@ public:
 };
 
 // The segment from a start to an end point, parameter 0 to 1.
-class TGeLine2D : public TGeCurve2D {
+class ORVANE_API TGeLine2D : public TGeCurve2D {
 public:
     TGeLine2D(const TPoint2D& AStart, const TPoint2D& AEnd);
 
@@ -126,7 +127,7 @@ private:
 };
 
 // A clamped planar NURBS curve, rational or not; parameter from the first to the last knot.
-class TGeSpline2D : public TGeCurve2D {
+class ORVANE_API TGeSpline2D : public TGeCurve2D {
 public:
     // AWeights empty: not rational, every weight 1.
     TGeSpline2D(int ADegree, TArrayDouble AKnots, TDynPoints2D ACtrlPoints, TArrayDouble AWeights = {});
@@ -164,7 +165,7 @@ private:
 // Sub-curves one after another. The parameter runs from 0 to the curve count: sub-curve i
 // covers [i, i + 1], mapped linearly onto its own range. An empty composite is allowed;
 // reading a point of it raises EArgumentOutOfRangeException.
-class TGeCompositeCurve2D : public TGeCurve2D {
+class ORVANE_API TGeCompositeCurve2D : public TGeCurve2D {
 public:
     explicit TGeCompositeCurve2D(std::vector<std::unique_ptr<TGeCurve2D>> ACurves);
 
@@ -189,7 +190,7 @@ private:
 // --- Trimmed surfaces -------------------------------------------------------------------
 
 // A boundary loop of a trimmed surface: a curve in the UV space of the base surface.
-class TGeCurveOnSurface {
+class ORVANE_API TGeCurveOnSurface {
 public:
     explicit TGeCurveOnSurface(std::unique_ptr<TGeCurve2D> ACurve);
     const TGeCurve2D* GetCurve() const { return FCurve.get(); }
@@ -201,7 +202,7 @@ private:
 // A base surface restricted to the UV region inside its outer boundary and outside its
 // inner boundaries. Its points are the base surface's; the curves keep the direction they
 // are given in, and the region is not checked against them.
-class TGeTrimmedSurface : public TGeSurface {
+class ORVANE_API TGeTrimmedSurface : public TGeSurface {
 public:
     TGeTrimmedSurface(std::unique_ptr<TGeSurface> ASurface, std::unique_ptr<TGeCurve2D> AOuter,
                       std::vector<std::unique_ptr<TGeCurve2D>> AInner = {});
@@ -225,7 +226,7 @@ private:
 // A NURBS curve in space that its creator fills point by point and knot by knot; built with
 // zero points, weights 1 and zero knots. Indices are checked; values must be finite and
 // weights positive (EArgumentException otherwise).
-class TGeSpline3D {
+class ORVANE_API TGeSpline3D {
 public:
     TGeSpline3D(int ACtrlPointCount, int ADegree);
     virtual ~TGeSpline3D() = default;
@@ -252,7 +253,7 @@ private:
 
 // --- Triangulator slot ------------------------------------------------------------------
 
-class TGeSurfaceTriangulator {
+class ORVANE_API TGeSurfaceTriangulator {
 public:
     virtual ~TGeSurfaceTriangulator() = default;
     virtual void Triangulate(const TGeSurface* GeSurf, TFloatDynArray& Tri, TFloatDynArray& Norm) = 0;
@@ -260,6 +261,6 @@ public:
 
 // The installed triangulator, nullptr until one is installed. The kernel does not own it:
 // whoever installs it frees it and sets this back to nullptr.
-extern TGeSurfaceTriangulator* GeSurfTri;
+extern ORVANE_API TGeSurfaceTriangulator* GeSurfTri;
 
 }  // namespace orvane

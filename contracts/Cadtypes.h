@@ -5,6 +5,7 @@
 #include <concepts>
 #include <vector>
 
+#include "contracts/Export.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
@@ -13,9 +14,9 @@ namespace orvane {
 // fEqual: |A - B| <= Tol. fGreat: A above B by more than Tol. fSmall: A below B by more
 // than Tol. The single-precision forms are chosen only when all three arguments are float;
 // any mixed call compares in double.
-bool fEqual(double A, double B, double Tol);
-bool fGreat(double A, double B, double Tol);
-bool fSmall(double A, double B, double Tol);
+ORVANE_API bool fEqual(double A, double B, double Tol);
+ORVANE_API bool fGreat(double A, double B, double Tol);
+ORVANE_API bool fSmall(double A, double B, double Tol);
 
 template <std::same_as<float> F>
 bool fEqual(F A, F B, F Tol) { return (A > B ? A - B : B - A) <= Tol; }
@@ -25,7 +26,7 @@ template <std::same_as<float> F>
 bool fSmall(F A, F B, F Tol) { return B - A > Tol; }
 
 // --- Points -----------------------------------------------------------------------------
-struct TPoint2D {
+struct ORVANE_API TPoint2D {
     double X = 0.0;
     double Y = 0.0;
 
@@ -46,7 +47,7 @@ struct TPoint2D {
     friend constexpr bool operator==(const TPoint2D&, const TPoint2D&) = default;
 };
 
-struct TPoint3D {
+struct ORVANE_API TPoint3D {
     double X = 0.0;
     double Y = 0.0;
     double Z = 0.0;
@@ -87,7 +88,7 @@ using TFloatDynArray = std::vector<double>;
 using TArrayDouble = std::vector<double>;
 
 // --- Rectangles and intervals -----------------------------------------------------------
-struct TRect2D {
+struct ORVANE_API TRect2D {
     TPoint2D Min;
     TPoint2D Max;
 
@@ -103,7 +104,7 @@ struct TRect2D {
 
 // The smallest axis-aligned rectangle holding every point. Raises EArgumentException for
 // an empty list.
-TRect2D CalcAABB(const TDynPoints2D& Points);
+ORVANE_API TRect2D CalcAABB(const TDynPoints2D& Points);
 
 // A parameter range [Low, High].
 struct TGeInterval {
@@ -123,7 +124,7 @@ struct TGeTolerance {
 inline constexpr TGeTolerance DefTol{1e-6};
 
 // --- Line segment -----------------------------------------------------------------------
-struct TLine3D {
+struct ORVANE_API TLine3D {
     TPoint3D A;
     TPoint3D B;
 
@@ -142,7 +143,7 @@ struct TLine3D {
 // part is the image of axis c, so Transform(P) = sum over c of P[c] * column c, plus row 3.
 // Operations that build a transform (ReflexXOZ, ReflexY, RotateZ) apply their map after
 // the transform already held.
-class TMatrix3D {
+class ORVANE_API TMatrix3D {
 public:
     double M[4][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};
 
@@ -151,7 +152,7 @@ public:
     // Exact: every element equals the identity's.
     bool IsIdent() const { return *this == TMatrix3D(); }
     // Exact element-wise comparison.
-    friend bool operator==(const TMatrix3D& A, const TMatrix3D& B);
+    friend ORVANE_API bool operator==(const TMatrix3D& A, const TMatrix3D& B);
 
     // Composes with AOther. AApplyAfter True: the result applies the held transform first
     // and then AOther; False: AOther first, then the held transform.

@@ -8,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
+#include "contracts/Export.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
 
 // A GUID in the registry form "{8AA0B750-BCB5-41BA-90CC-75668870F362}".
-struct TGUID {
+struct ORVANE_API TGUID {
     std::uint32_t D1 = 0;
     std::uint16_t D2 = 0;
     std::uint16_t D3 = 0;
@@ -59,7 +60,7 @@ constexpr TGUID TGUID::FromString(std::string_view text)
     return guid;
 }
 
-struct TGUIDHash {
+struct ORVANE_API TGUIDHash {
     std::size_t operator()(const TGUID& g) const noexcept;
 };
 
@@ -68,7 +69,7 @@ inline constexpr int E_NOINTERFACE = static_cast<int>(0x80004002u);
 
 // The root interface. Every interface derives from it virtually, so that one object that
 // implements several interfaces has one reference count.
-class IInterface {
+class ORVANE_API IInterface {
 public:
     static constexpr TGUID IID = TGUID::FromString("{00000000-0000-0000-C000-000000000046}");
 
@@ -85,7 +86,7 @@ protected:
 // Base class with a reference count; the object frees itself when the count returns to 0.
 // A derived class that adds interfaces overrides QueryInterface, answers for its own and
 // hands the rest to this one.
-class TInterfacedObject : public virtual IInterface {
+class ORVANE_API TInterfacedObject : public virtual IInterface {
 public:
     TInterfacedObject() = default;
     TInterfacedObject(const TInterfacedObject&) = delete;

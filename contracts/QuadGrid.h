@@ -1,6 +1,7 @@
 // The column and row lines of the quad tool and the merge tolerances that go with them.
 #pragma once
 
+#include "contracts/Export.h"
 #include "contracts/QuadLoops.h"
 
 namespace orvane {
@@ -9,7 +10,7 @@ namespace orvane {
 // parts, each part at most the tolerance wide (to 1e-12 relative, so that a width equal to
 // the tolerance makes one part). ColumnX and RowY are pure functions: every caller gets the
 // same double for the same index, and the ends are XMin, XMax (YMin, YMax) exactly.
-struct QuadGrid {
+struct ORVANE_API QuadGrid {
     double XMin;
     double XMax;
     double YMin;
@@ -35,6 +36,6 @@ struct QuadGrid {
 // The grid over an extent of positive width and height. Raises EArgumentException when a
 // tolerance is so small against the coordinates that its lines could not be told apart, or
 // when the grid would need more than MaxColumns columns.
-QuadGrid MakeQuadGrid(const QuadExtent& extent, double XTol, double YTol, long long MaxColumns);
+ORVANE_API QuadGrid MakeQuadGrid(const QuadExtent& extent, double XTol, double YTol, long long MaxColumns);
 
 }  // namespace orvane

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "contracts/Export.h"
 #include "contracts/ViewUnits.h"
 
 namespace orvane {
@@ -15,7 +16,7 @@ using QuadLoop = std::vector<TPoint2D>;
 // EArgumentException when a coordinate is not finite. Consecutive equal points and a closing
 // point equal to the first are removed; a loop left with fewer than 3 points has no area and
 // is left out. Gives an empty list when the outer boundary has no area (or is missing).
-std::vector<QuadLoop> CleanQuadLoops(std::span<const TVPoint2DList* const> APolylines);
+ORVANE_API std::vector<QuadLoop> CleanQuadLoops(std::span<const TVPoint2DList* const> APolylines);
 
 // The smallest and greatest X and Y of a loop.
 struct QuadExtent {
@@ -24,6 +25,6 @@ struct QuadExtent {
     double YMin;
     double YMax;
 };
-QuadExtent LoopExtent(const QuadLoop& loop);
+ORVANE_API QuadExtent LoopExtent(const QuadLoop& loop);
 
 }  // namespace orvane

@@ -26,22 +26,23 @@
 #include <vector>
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 
 namespace orvane {
 
 // The names, in the order above.
-std::vector<std::string> ShapeNames();
+ORVANE_API std::vector<std::string> ShapeNames();
 
 // A new shape; raises EArgumentException "Unknown shape: <name>" for any other name.
-std::unique_ptr<TGeSurface> MakeShape(const std::string& Name);
+ORVANE_API std::unique_ptr<TGeSurface> MakeShape(const std::string& Name);
 
 // A polyline as one degree-1 spline through its points, knots evenly spaced on [0, 1].
-std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points);
+ORVANE_API std::unique_ptr<TGeSpline2D> PolylineSpline(const TDynPoints2D& Points);
 
 // The area in closed form, or NaN where none is known (bilinear, freeform, ruled).
-double ShapeExactArea(const std::string& Name);
+ORVANE_API double ShapeExactArea(const std::string& Name);
 
 // One line that says what the shape is.
-std::string ShapeDescription(const std::string& Name);
+ORVANE_API std::string ShapeDescription(const std::string& Name);
 
 }  // namespace orvane

@@ -9,11 +9,12 @@
 #pragma once
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 
 namespace orvane {
 
 // Raises EArgumentException for a surface (or a trimmed surface's base) that is no NURBS
 // surface, and for a trim curve of a kind other than line, spline and composite curve.
-double SurfaceArea(const TGeSurface& Surface);
+ORVANE_API double SurfaceArea(const TGeSurface& Surface);
 
 }  // namespace orvane

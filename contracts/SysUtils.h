@@ -5,12 +5,14 @@
 #include <exception>
 #include <string>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
 using Cardinal = std::uint32_t;
 
 // Root of every exception this system raises; carries one message text.
-class Exception : public std::exception {
+class ORVANE_API Exception : public std::exception {
 public:
     explicit Exception(std::string message) : FMessage(std::move(message)) {}
     const char* what() const noexcept override { return FMessage.c_str(); }
@@ -21,25 +23,25 @@ private:
 };
 
 // A failed Assert: "<text> (<unit>, line <n>)".
-class EAssertionFailed : public Exception {
+class ORVANE_API EAssertionFailed : public Exception {
 public:
     using Exception::Exception;
 };
 
 // An index outside a list's range: "Argument out of range".
-class EArgumentOutOfRangeException : public Exception {
+class ORVANE_API EArgumentOutOfRangeException : public Exception {
 public:
     using Exception::Exception;
 };
 
 // A list or dictionary used against its rules (a duplicate key, a missing item).
-class EListError : public Exception {
+class ORVANE_API EListError : public Exception {
 public:
     using Exception::Exception;
 };
 
 // An argument that a constructor or operation cannot accept (bad knots, non-finite values).
-class EArgumentException : public Exception {
+class ORVANE_API EArgumentException : public Exception {
 public:
     using Exception::Exception;
 };
@@ -48,10 +50,10 @@ inline constexpr const char* SAssertionFailure = "Assertion failure";
 inline constexpr const char* SArgumentOutOfRange = "Argument out of range";
 
 // Raises EAssertionFailed with the text "<message> (<unit>, line <line>)".
-[[noreturn]] void AssertFailed(const std::string& message, const char* unit, int line);
+[[noreturn]] ORVANE_API void AssertFailed(const std::string& message, const char* unit, int line);
 
 // The message text a failed assertion carries, for the same arguments.
-std::string AssertionText(const std::string& message, const char* unit, int line);
+ORVANE_API std::string AssertionText(const std::string& message, const char* unit, int line);
 
 }  // namespace orvane
 

@@ -5,11 +5,12 @@
 #include <memory>
 #include <span>
 
+#include "contracts/Export.h"
 #include "contracts/ViewUnits.h"
 
 namespace orvane {
 
-class TTessQuadsTool {
+class ORVANE_API TTessQuadsTool {
 public:
     // No request may produce more quads than this; it raises EArgumentException instead.
     static constexpr long long MaxQuadCount = 20'000'000;

@@ -3,19 +3,20 @@
 #pragma once
 
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
 
 // A growable list of 2D points.
-class TVPoint2DList : public TList<TPoint2D> {
+class ORVANE_API TVPoint2DList : public TList<TPoint2D> {
 public:
     using TList<TPoint2D>::TList;
 };
 
 // A polyline: its points in order. A closed one may or may not repeat its first point.
-class TVPolyline2D : public TVPoint2DList {
+class ORVANE_API TVPolyline2D : public TVPoint2DList {
 public:
     TVPolyline2D() = default;
     // Holds the given points, in that order.
@@ -24,7 +25,7 @@ public:
 
 // One drawable piece: 2D points (the plane of the piece), 3D points with one normal each,
 // and the OpenGL primitive that the points form.
-struct TViewUnit {
+struct ORVANE_API TViewUnit {
     TVPoint2DList Points2D;
     TList<TPoint3D> Points3D;
     TList<TPoint3D> Normals;
@@ -33,7 +34,7 @@ struct TViewUnit {
 
 // The units of one part, in drawing order. The list holds the units by value: freeing the
 // list frees them.
-class TViewUnitList : public TList<TViewUnit> {
+class ORVANE_API TViewUnitList : public TList<TViewUnit> {
 public:
     using TList<TViewUnit>::TList;
 };

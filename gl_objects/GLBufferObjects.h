@@ -4,17 +4,18 @@
 
 #include <cstdint>
 
+#include "contracts/Export.h"
 #include "gl_objects/uGLHandleObj.h"
 
 namespace orvane {
 
 // Part of the unit's public surface; nothing in the system raises it.
-class EVAOException : public Exception {
+class ORVANE_API EVAOException : public Exception {
 public:
     using Exception::Exception;
 };
 
-class TGLVAOObject : public TGLHandleObject {
+class ORVANE_API TGLVAOObject : public TGLHandleObject {
 public:
     ~TGLVAOObject() override;
     void Bind();
@@ -26,7 +27,7 @@ protected:
     void DoDestroyHandle() override;
 };
 
-class TGLBufferObject : public TGLHandleObject {
+class ORVANE_API TGLBufferObject : public TGLHandleObject {
 public:
     ~TGLBufferObject() override;
 
@@ -50,13 +51,13 @@ private:
 };
 
 // Vertex attribute data: GL_ARRAY_BUFFER.
-class TGLVBOObject : public TGLBufferObject {
+class ORVANE_API TGLVBOObject : public TGLBufferObject {
 protected:
     Cardinal GetTarget() const override;
 };
 
 // Triangle indices: GL_ELEMENT_ARRAY_BUFFER.
-class TGLEBOObject : public TGLBufferObject {
+class ORVANE_API TGLEBOObject : public TGLBufferObject {
 protected:
     Cardinal GetTarget() const override;
 };

@@ -6,13 +6,14 @@
 #include <functional>
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
 
 // Failure to compile or link a GLSL program.
-class EGLSLException : public Exception {
+class ORVANE_API EGLSLException : public Exception {
 public:
     using Exception::Exception;
 };
@@ -24,7 +25,7 @@ inline constexpr const char* SCannotCompileShader = "Cannot Compile Shader";
 // AllocateHandle, inside the context the caller has made current, and never records it.
 // Each class that overrides DoDestroyHandle calls DestroyHandle in its own destructor, since
 // the base destructor can no longer reach the override.
-class TGLHandleObject {
+class ORVANE_API TGLHandleObject {
 public:
     TGLHandleObject() = default;
     TGLHandleObject(const TGLHandleObject&) = delete;
@@ -48,9 +49,9 @@ protected:
 };
 
 // Common ancestor of shader and program handles.
-class TGLSLHandle : public TGLHandleObject {};
+class ORVANE_API TGLSLHandle : public TGLHandleObject {};
 
-class TGLShaderHandle : public TGLSLHandle {
+class ORVANE_API TGLShaderHandle : public TGLSLHandle {
 public:
     ~TGLShaderHandle() override;
 
@@ -68,19 +69,19 @@ protected:
     Cardinal FShaderType;
 };
 
-class TGLVertexShaderHandle : public TGLShaderHandle {
+class ORVANE_API TGLVertexShaderHandle : public TGLShaderHandle {
 public:
     TGLVertexShaderHandle();
 };
 
-class TGLFragmentShaderHandle : public TGLShaderHandle {
+class ORVANE_API TGLFragmentShaderHandle : public TGLShaderHandle {
 public:
     TGLFragmentShaderHandle();
 };
 
 // Names a concrete shader handle class: constructs an instance of it and serves as a
 // dictionary key. Obtain one with TGLShaderHandleClass::Of<TGLVertexShaderHandle>().
-class TGLShaderHandleClass {
+class ORVANE_API TGLShaderHandleClass {
 public:
     using TFactory = TGLShaderHandle* (*)();
 
@@ -108,7 +109,7 @@ private:
 };
 
 // A GLSL program with the shaders it compiled and attached, which it owns.
-class TGLProgramHandle : public TGLSLHandle {
+class ORVANE_API TGLProgramHandle : public TGLSLHandle {
 public:
     TGLProgramHandle() = default;
     // Frees every shader handle (each deletes its GL shader), then deletes the program.

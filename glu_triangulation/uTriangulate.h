@@ -10,13 +10,14 @@
 
 #include "contracts/Cadgeometry.h"
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "glu_triangulation/RecTriangles.h"
 #include "immediate/zqglTypes.h"
 #include "immediate/zqglUtils.h"
 
 namespace orvane {
 
-class TGLSurfaceTriangulator : public TGeSurfaceTriangulator {
+class ORVANE_API TGLSurfaceTriangulator : public TGeSurfaceTriangulator {
 public:
     // How a trim curve goes to GLU: as a NURBS curve or as a polyline.
     enum TCurveType : std::uint8_t { ctSpline = 0, ctLines = 1 };

@@ -6,12 +6,13 @@
 #include <memory>
 
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
 
-class TGLTriangles {
+class ORVANE_API TGLTriangles {
 public:
     // The mode 6, GL_TRIANGLE_FAN.
     TGLTriangles();
@@ -36,7 +37,7 @@ public:
 };
 
 // An owning list of triangle objects.
-class TGLTrianglesList : public TObjectList<TGLTriangles> {
+class ORVANE_API TGLTrianglesList : public TObjectList<TGLTriangles> {
 public:
     using TObjectList<TGLTriangles>::TObjectList;
 };

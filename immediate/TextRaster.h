@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
 // The resolution at which a font size in points becomes pixels: the usual screen resolution,
@@ -24,13 +26,13 @@ struct TTextRaster {
 // glyph advances, the height the font's ascent plus descent, so an empty text gives 0 by the
 // height. Raises Exception when the font is missing or unusable, when the size is below 1
 // point, or when a side of the raster would exceed kMaxTextRasterSide pixels.
-TTextRaster RenderTextLine(const std::string& AText, const std::string& AFontName, int APointSize);
+ORVANE_API TTextRaster RenderTextLine(const std::string& AText, const std::string& AFontName, int APointSize);
 
 inline constexpr int kMaxTextRasterSide = 16384;
 
 // The font size in points of a texture whose height is AHeight: AHeight + 20, rounded to the
 // nearest integer with ties to even (2.5 gives 22, 3.5 gives 24). 0 where that is not a number
 // in the range of int, which RenderTextLine rejects.
-int TextureFontSize(double AHeight);
+ORVANE_API int TextureFontSize(double AHeight);
 
 }  // namespace orvane

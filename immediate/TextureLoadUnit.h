@@ -8,11 +8,12 @@
 
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
 
-class TTextureEntity {
+class ORVANE_API TTextureEntity {
 public:
     TTextureEntity() = default;
     // Deletes the texture name the entity holds (0 included), where glDeleteTextures is loaded.

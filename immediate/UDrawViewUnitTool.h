@@ -4,13 +4,14 @@
 // through the entry-point table, so it works before and without the loader.
 #pragma once
 
+#include "contracts/Export.h"
 #include "contracts/ViewUnits.h"
 
 namespace orvane {
 
 // Only class operations; never instantiated. A unit whose DrawMode is GL_LINES or
 // GL_LINE_STRIP is a line unit, any other a surface unit.
-class TDrawViewUnitTool {
+class ORVANE_API TDrawViewUnitTool {
 public:
     TDrawViewUnitTool() = delete;
 

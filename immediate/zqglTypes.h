@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
 struct TGLPoint2D {
@@ -98,6 +100,6 @@ using TDynGLinteger = std::vector<std::int32_t>;
 
 // Result becomes a new array of Source's length, each double rounded to single. Whatever
 // Result held is replaced.
-void FloatDynArrayToDynGLFloat(const std::vector<double>& Source, TDynGLFloat& Result);
+ORVANE_API void FloatDynArrayToDynGLFloat(const std::vector<double>& Source, TDynGLFloat& Result);
 
 }  // namespace orvane

@@ -4,13 +4,14 @@
 #pragma once
 
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "immediate/zqglTypes.h"
 
 namespace orvane {
 
 class TGLVAOManager;
 
-class TCollectedTri {
+class ORVANE_API TCollectedTri {
 public:
     // The key of the vertex table: a position and its normal, six doubles.
     struct TPointComparePair {

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "contracts/Export.h"
 #include "gl_objects/uGLHandleObj.h"
 #include "mesh_drawing/StringList.h"
 
@@ -15,7 +16,7 @@ inline constexpr const char* SLinkProgramFailed = "Link Program Failed!";
 
 // Enabled: whether ApplyShader and UnApplyShader act at all. Valid: whether DoInitialize has
 // completed. ShaderActive: between ApplyShader and UnApplyShader.
-class TGLShader {
+class ORVANE_API TGLShader {
 public:
     TGLShader() = default;
     TGLShader(const TGLShader&) = delete;
@@ -49,7 +50,7 @@ private:
 class TGLCustomShader;
 
 // The source of one stage as lines of text, and whether the stage takes part.
-class TGLShaderProgram {
+class ORVANE_API TGLShaderProgram {
 public:
     explicit TGLShaderProgram(TGLCustomShader* AParent) : FParent(AParent) {}
     TGLShaderProgram(const TGLShaderProgram&) = delete;
@@ -70,18 +71,18 @@ private:
     std::unique_ptr<TStringList> FCode = std::make_unique<TStringList>();
 };
 
-class TGLVertexProgram : public TGLShaderProgram {
+class ORVANE_API TGLVertexProgram : public TGLShaderProgram {
 public:
     using TGLShaderProgram::TGLShaderProgram;
 };
 
-class TGLFragmentProgram : public TGLShaderProgram {
+class ORVANE_API TGLFragmentProgram : public TGLShaderProgram {
 public:
     using TGLShaderProgram::TGLShaderProgram;
 };
 
 // A shader with a vertex and a fragment stage; frees the fragment stage first.
-class TGLCustomShader : public TGLShader {
+class ORVANE_API TGLCustomShader : public TGLShader {
 public:
     TGLCustomShader();
     ~TGLCustomShader() override;
@@ -96,7 +97,7 @@ private:
 };
 
 // Compiles the enabled stages into one program and links it at the first ApplyShader.
-class TGLSLShader : public TGLCustomShader {
+class ORVANE_API TGLSLShader : public TGLCustomShader {
 public:
     TGLSLShader();
     // Deletes the program and its shaders in the current context, then the stages.

@@ -4,13 +4,14 @@
 
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "mesh_drawing/GLSLShader.h"
 #include "opengl/Platform.h"
 
 namespace orvane {
 
-class TGLShaderManager {
+class ORVANE_API TGLShaderManager {
 public:
     TGLShaderManager() = default;
     TGLShaderManager(const TGLShaderManager&) = delete;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "contracts/Cadtypes.h"
+#include "contracts/Export.h"
 #include "gl_objects/GLBufferObjects.h"
 #include "immediate/zqglTypes.h"
 #include "mesh_drawing/GLSLShader.h"
@@ -14,7 +15,7 @@ namespace orvane {
 using dglOpenGL::TGLMatrixf4;
 
 // The vertex array and the per-draw values: view, own transformation, colour.
-class TGLVAODraw {
+class ORVANE_API TGLVAODraw {
 public:
     // Makes the vertex array object without a GL name; the transformation is the identity.
     TGLVAODraw();
@@ -59,7 +60,7 @@ protected:
 
 // Triangles with one normal per vertex in two parallel buffers (locations 0 and 1), drawn with
 // or without an index buffer, through the shader of the context it was made in.
-class TGLVAOTriDraw : public TGLVAODraw {
+class ORVANE_API TGLVAOTriDraw : public TGLVAODraw {
 public:
     TGLVAOTriDraw();
     // The shader is not owned: the shader manager of the context owns it.

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "mesh_drawing/GLShaderManager.h"
 #include "mesh_drawing/GLVAODraw.h"
@@ -11,9 +12,9 @@
 namespace orvane {
 
 // A pointer-sized value for the host; nothing in the system reads or writes it.
-extern void* ObjSingleton;
+extern ORVANE_API void* ObjSingleton;
 
-class TGLVAOManager {
+class ORVANE_API TGLVAOManager {
 public:
     // Loads the GL entry points where they are not yet: a context must be current.
     TGLVAOManager();

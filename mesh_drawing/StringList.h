@@ -4,9 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
-class TStringList {
+class ORVANE_API TStringList {
 public:
     int Count() const noexcept { return static_cast<int>(FLines.size()); }
     const std::string& operator[](int index) const;

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "contracts/Export.h"
 #include "opengl/GlRegistry.h"
 #include "opengl/GlUnits.h"
 
@@ -19,9 +20,9 @@ std::span<const dglOpenGL::registry::TSlot> EntryPoints();
 
 // Frees, loads the library and looks up every name; raises Exception "Could not load OpenGL
 // from <name>" when the library is not there.
-void LoadOpenGL(const std::string& libName);
+ORVANE_API void LoadOpenGL(const std::string& libName);
 // Sets every variable to nil, then releases the library.
-void FreeOpenGL();
+ORVANE_API void FreeOpenGL();
 
 }  // namespace GL
 

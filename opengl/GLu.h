@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "contracts/Export.h"
 #include "opengl/GlRegistry.h"
 #include "opengl/GlUnits.h"
 
@@ -15,9 +16,9 @@ std::span<const dglOpenGL::registry::TSlot> EntryPoints();
 
 // Frees, loads the library and looks up every name; raises Exception "Could not load GLu
 // from <name>" when the library is not there.
-void LoadGLu(const std::string& libName);
+ORVANE_API void LoadGLu(const std::string& libName);
 // Sets every variable to nil, then releases the library.
-void FreeGLu();
+ORVANE_API void FreeGLu();
 
 }  // namespace GLu
 

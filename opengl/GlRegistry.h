@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#include "contracts/Export.h"
+
 namespace dglOpenGL::registry {
 
 // An entry point and the variable that holds its address.
@@ -44,7 +46,7 @@ std::span<const char* const> GLExtensions();  // every extension of the registry
 std::span<const TSlot> EGLCommands();
 std::span<const TSlot> GLUCommands();  // the GLu unit holds the first GLUUnitCount()
 std::span<const TSlot> WGLCommands();
-std::span<const TFlag> ExtensionFlags();  // the GL families kept, then EGL
+ORVANE_API std::span<const TFlag> ExtensionFlags();  // the GL families kept, then EGL
 std::span<const TReadGroup> ExtensionReads();  // in the order ReadExtensions runs them
 std::span<const TReadGroup> EGLCoreReads();
 std::size_t GLUUnitCount();

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/SysUtils.h"
 #include "opengl/PlatformTypes.h"
 
@@ -35,33 +36,33 @@ inline constexpr std::uint32_t ERROR_MOD_NOT_FOUND = 126;
 inline constexpr std::uint32_t ERROR_INVALID_PIXEL_FORMAT = 2000;
 
 // The WGL names with a meaning over EGL.
-HGLRC wglCreateContext(HDC dc);
-BOOL wglDeleteContext(HGLRC rc);
-HGLRC wglGetCurrentContext();
-HDC wglGetCurrentDC();
-BOOL wglMakeCurrent(HDC dc, HGLRC rc);
-PROC wglGetProcAddress(const char* name);
-HGLRC wglCreateContextAttribsARB(HDC dc, HGLRC shareContext, const int* attribList);
+ORVANE_API HGLRC wglCreateContext(HDC dc);
+ORVANE_API BOOL wglDeleteContext(HGLRC rc);
+ORVANE_API HGLRC wglGetCurrentContext();
+ORVANE_API HDC wglGetCurrentDC();
+ORVANE_API BOOL wglMakeCurrent(HDC dc, HGLRC rc);
+ORVANE_API PROC wglGetProcAddress(const char* name);
+ORVANE_API HGLRC wglCreateContextAttribsARB(HDC dc, HGLRC shareContext, const int* attribList);
 // EGL's client extensions, and the display extensions of a device context.
-const char* wglGetExtensionsStringEXT();
-const char* wglGetExtensionsStringARB(HDC dc);
+ORVANE_API const char* wglGetExtensionsStringEXT();
+ORVANE_API const char* wglGetExtensionsStringARB(HDC dc);
 
 // The platform function for a WGL name, nullptr for the names without an EGL meaning.
 PROC PlatformWGLFunction(const char* name);
 
 // Pixel formats: a format number is the EGL config's id.
-int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* pfd);
-int DescribePixelFormat(HDC dc, int pixelFormat, unsigned bytes, PIXELFORMATDESCRIPTOR* pfd);
-int GetPixelFormat(HDC dc);
-BOOL SetPixelFormat(HDC dc, int pixelFormat, const PIXELFORMATDESCRIPTOR* pfd);
-std::uint32_t GetObjectType(HDC dc);
+ORVANE_API int ChoosePixelFormat(HDC dc, const PIXELFORMATDESCRIPTOR* pfd);
+ORVANE_API int DescribePixelFormat(HDC dc, int pixelFormat, unsigned bytes, PIXELFORMATDESCRIPTOR* pfd);
+ORVANE_API int GetPixelFormat(HDC dc);
+ORVANE_API BOOL SetPixelFormat(HDC dc, int pixelFormat, const PIXELFORMATDESCRIPTOR* pfd);
+ORVANE_API std::uint32_t GetObjectType(HDC dc);
 
 // The last failure of a platform function on this thread, with a readable text.
-std::uint32_t GetLastError();
-std::string LastErrorText();
-void SetLastError(std::uint32_t code, std::string text);
+ORVANE_API std::uint32_t GetLastError();
+ORVANE_API std::string LastErrorText();
+ORVANE_API void SetLastError(std::uint32_t code, std::string text);
 
-class EOSError : public Exception {
+class ORVANE_API EOSError : public Exception {
 public:
     EOSError(std::uint32_t code, std::string message) : Exception(std::move(message)), FCode(code) {}
     std::uint32_t ErrorCode() const { return FCode; }
@@ -70,13 +71,13 @@ private:
     std::uint32_t FCode;
 };
 // Raises EOSError with "System Error. Code: <n>.\n<text>" for the last error.
-[[noreturn]] void RaiseLastOSError();
+[[noreturn]] ORVANE_API void RaiseLastOSError();
 
 // An offscreen device context of a given size: a pbuffer made when its pixel format is set.
-HDC CreateOffscreenDC(int width, int height);
-void DeleteOffscreenDC(HDC dc);
+ORVANE_API HDC CreateOffscreenDC(int width, int height);
+ORVANE_API void DeleteOffscreenDC(HDC dc);
 
-class TOffscreenDC {
+class ORVANE_API TOffscreenDC {
 public:
     TOffscreenDC(int width, int height) : FDC(CreateOffscreenDC(width, height)) {}
     ~TOffscreenDC() { DeleteOffscreenDC(FDC); }
@@ -91,7 +92,7 @@ private:
 // Which display the platform layer opened: a hardware EGL device, Mesa's surfaceless
 // platform or the default display. Opens it on first use; raises EOSError when none works.
 enum class TDisplayPath { Device, Surfaceless, Default };
-TDisplayPath DisplayPath();
-const char* DisplayPathName(TDisplayPath path);
+ORVANE_API TDisplayPath DisplayPath();
+ORVANE_API const char* DisplayPathName(TDisplayPath path);
 
 }  // namespace orvane

@@ -26,16 +26,17 @@
 #include <string>
 #include <string_view>
 
+#include "contracts/Export.h"
 #include "opengl/GlApi.h"
 #include "opengl/PlatformTypes.h"
 
 namespace dglOpenGL {
 
 // The loaded libraries; nullptr while not loaded.
-extern void* GL_LibHandle;
-extern void* GLU_LibHandle;
+extern ORVANE_API void* GL_LibHandle;
+extern ORVANE_API void* GLU_LibHandle;
 // True once ReadExtensions has run.
-extern bool ExtensionsRead;
+extern ORVANE_API bool ExtensionsRead;
 
 using TGLVectorub2 = std::array<GLubyte, 2>;
 using TGLVectori2 = std::array<GLint, 2>;
@@ -62,7 +63,7 @@ using TGlMatrixi4 = std::array<TGLVectori4, 4>;
 using TGLMatrixd4 = std::array<TGLVectord4, 4>;
 
 // 4 by 4 singles, 16 in a row in the order glMultMatrixf takes them.
-struct TGLMatrixf4 : std::array<TGLVectorf4, 4> {
+struct ORVANE_API TGLMatrixf4 : std::array<TGLVectorf4, 4> {
     // Makes the identity: all 16 elements 0, then the diagonal 1.
     void Reset();
     GLfloat* Data() { return &(*this)[0][0]; }
@@ -74,31 +75,31 @@ static_assert(sizeof(TGLMatrixf4) == 16 * sizeof(GLfloat));
 // registry is only given when the current context offers it: with no context the GL 1.0 and
 // 1.1 names, with one a name of a version up to the context's or of an extension it lists.
 // The library answers first, then wglGetProcAddress (eglGetProcAddress underneath).
-void* dglGetProcAddress(const char* procName, void* libHandle = nullptr);
+ORVANE_API void* dglGetProcAddress(const char* procName, void* libHandle = nullptr);
 
 // Releases what is loaded, loads both libraries and resolves the WGL and GLU names. True when
 // the GL library was loaded; never raises.
-bool InitOpenGL(const std::string& libName, const std::string& gluName);
-void ReadOpenGLCore();
-void ReadExtensions();
+ORVANE_API bool InitOpenGL(const std::string& libName, const std::string& gluName);
+ORVANE_API void ReadOpenGLCore();
+ORVANE_API void ReadExtensions();
 // ReadExtensions, unless glGenBuffers and glGenerateMipmap are both set already.
-void QuickReadExtensions();
+ORVANE_API void QuickReadExtensions();
 
 // The version flags: the current context's version is at least this.
-extern bool GL_VERSION_1_0, GL_VERSION_1_1, GL_VERSION_1_2, GL_VERSION_1_3, GL_VERSION_1_4,
+extern ORVANE_API bool GL_VERSION_1_0, GL_VERSION_1_1, GL_VERSION_1_2, GL_VERSION_1_3, GL_VERSION_1_4,
     GL_VERSION_1_5, GL_VERSION_2_0, GL_VERSION_2_1, GL_VERSION_3_0, GL_VERSION_3_1,
     GL_VERSION_3_2, GL_VERSION_3_3, GL_VERSION_4_0, GL_VERSION_4_1, GL_VERSION_4_2,
     GL_VERSION_4_3, GL_VERSION_4_4, GL_VERSION_4_5, GL_VERSION_4_6;
-extern bool GLU_VERSION_1_1, GLU_VERSION_1_2, GLU_VERSION_1_3;
-extern bool ImplementationRead;
-extern int LastPixelFormat;
+extern ORVANE_API bool GLU_VERSION_1_1, GLU_VERSION_1_2, GLU_VERSION_1_3;
+extern ORVANE_API bool ImplementationRead;
+extern ORVANE_API int LastPixelFormat;
 
 // The version flags by name, 1.0 first.
 struct TVersionFlag {
     const char* Name;
     bool* Value;
 };
-std::span<const TVersionFlag> VersionFlags();
+ORVANE_API std::span<const TVersionFlag> VersionFlags();
 
 struct TGLVersion {
     int Major = 0;
@@ -106,18 +107,18 @@ struct TGLVersion {
 };
 // "4.6.0 NVIDIA 512.15" gives 4 and 6, "OpenGL ES 3.2 Mesa" 3 and 2; anything without a digit
 // on both sides of its first full stop gives 0 and 0. Never raises.
-TGLVersion ParseGLVersion(std::string_view text);
+ORVANE_API TGLVersion ParseGLVersion(std::string_view text);
 
 // Reads the version flags and the extension flags of the current context.
-void ReadImplementationProperties();
+ORVANE_API void ReadImplementationProperties();
 // The extension text of the current context (GL, then EGL client and display extensions), each
 // name between blanks, and the whole-word test on it.
-std::string ReadExtensionText();
-bool ExtensionInText(std::string_view text, std::string_view extension);
-bool dglCheckExtension(const std::string& extension);
+ORVANE_API std::string ReadExtensionText();
+ORVANE_API bool ExtensionInText(std::string_view text, std::string_view extension);
+ORVANE_API bool dglCheckExtension(const std::string& extension);
 
 enum TRCOption { opDoubleBuffered, opGDI, opStereo };
-class TRCOptions {
+class ORVANE_API TRCOptions {
 public:
     TRCOptions() = default;
     TRCOptions(std::initializer_list<TRCOption> options);
@@ -128,17 +129,17 @@ private:
 };
 
 // The pixel format a rendering context is created with, before the platform maps it.
-orvane::PIXELFORMATDESCRIPTOR RenderingPixelFormat(HDC dc, TRCOptions options, int colorBits,
+ORVANE_API orvane::PIXELFORMATDESCRIPTOR RenderingPixelFormat(HDC dc, TRCOptions options, int colorBits,
     int zBits, int stencilBits, int accumBits, int auxBuffers, int layer);
 
-HGLRC CreateRenderingContext(HDC dc, TRCOptions options, int colorBits, int zBits,
+ORVANE_API HGLRC CreateRenderingContext(HDC dc, TRCOptions options, int colorBits, int zBits,
     int stencilBits, int accumBits, int auxBuffers, int layer);
-HGLRC CreateRenderingContextVersion(HDC dc, TRCOptions options, int majorVersion,
+ORVANE_API HGLRC CreateRenderingContextVersion(HDC dc, TRCOptions options, int majorVersion,
     int minorVersion, bool forwardCompatible, int colorBits, int zBits, int stencilBits,
     int accumBits, int auxBuffers, int layer);
-BOOL DestroyRenderingContext(HGLRC rc);
-void ActivateRenderingContext(HDC dc, HGLRC rc, bool loadExtensions = true);
-BOOL DeactivateRenderingContext();
+ORVANE_API BOOL DestroyRenderingContext(HGLRC rc);
+ORVANE_API void ActivateRenderingContext(HDC dc, HGLRC rc, bool loadExtensions = true);
+ORVANE_API BOOL DeactivateRenderingContext();
 
 // The library names that CreateRenderingContext loads when nothing is loaded yet; tests
 // replace them to reach the missing-library failure.
@@ -146,8 +147,8 @@ struct TGLLibraryNames {
     std::string GL;
     std::string GLU;
 };
-const TGLLibraryNames& DefaultLibraryNames();
-void SetDefaultLibraryNames(TGLLibraryNames names);
+ORVANE_API const TGLLibraryNames& DefaultLibraryNames();
+ORVANE_API void SetDefaultLibraryNames(TGLLibraryNames names);
 
 inline constexpr const char* SGLLibraryNotLoaded = "GL_LibHandle is NIL. Could not load OpenGL library!";
 inline constexpr const char* SNoCreateContextAttribs = "Could not get function pointer adress for wglCreateContextAttribsARB - OpenGL 3.x and above not supported!";

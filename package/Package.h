@@ -4,6 +4,8 @@
 
 #include <span>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
 // One unit of the package. A unit without start-up or shut-down work has null functions.
@@ -14,16 +16,16 @@ struct TPackageUnit {
 };
 
 // Every unit of the package, in start-up order.
-std::span<const TPackageUnit> PackageUnits();
+ORVANE_API std::span<const TPackageUnit> PackageUnits();
 
 // Runs each unit's start-up in table order. Where one raises, the units already started are
 // stopped in reverse order and the exception goes on to the caller.
-void StartUnits(std::span<const TPackageUnit> AUnits);
+ORVANE_API void StartUnits(std::span<const TPackageUnit> AUnits);
 // Runs each unit's shut-down in reverse table order.
-void StopUnits(std::span<const TPackageUnit> AUnits);
+ORVANE_API void StopUnits(std::span<const TPackageUnit> AUnits);
 
 // StartUnits and StopUnits over PackageUnits.
-void StartPackage();
-void StopPackage();
+ORVANE_API void StartPackage();
+ORVANE_API void StopPackage();
 
 }  // namespace orvane

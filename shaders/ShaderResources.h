@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "contracts/Export.h"
 #include "contracts/SysUtils.h"
 
 namespace orvane {
@@ -14,7 +15,7 @@ namespace orvane {
 inline constexpr Cardinal RT_RCDATA = 10;
 
 // Raised when a resource is missing: "Resource <name> not found".
-class EResNotFound : public Exception {
+class ORVANE_API EResNotFound : public Exception {
 public:
     using Exception::Exception;
 };
@@ -23,14 +24,14 @@ public:
 using TResourceFinder = std::function<bool(const std::string& name, Cardinal resType, std::string& bytes)>;
 
 // The package's own resources, matched without regard to letter case.
-bool FindEmbeddedResource(const std::string& name, Cardinal resType, std::string& bytes);
+ORVANE_API bool FindEmbeddedResource(const std::string& name, Cardinal resType, std::string& bytes);
 
 // Installs the finder every TResourceStream uses and answers the one it replaces; an empty
 // finder puts FindEmbeddedResource back. Tests use this to put in a failing source.
-TResourceFinder SetResourceFinder(TResourceFinder finder);
+ORVANE_API TResourceFinder SetResourceFinder(TResourceFinder finder);
 
 // Read access to one resource of the package, by name and type.
-class TResourceStream {
+class ORVANE_API TResourceStream {
 public:
     TResourceStream(const std::string& name, Cardinal resType);
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "contracts/Export.h"
+
 namespace orvane {
 
 // Decides the UV sampling, whether U and V are exchanged in the tessellation plane (UDir only:
@@ -16,7 +18,7 @@ enum class TExtrusionType : std::uint8_t {
 };
 
 // The name as it is written in code, e.g. "VDir".
-const char* ExtrusionTypeName(TExtrusionType AType);
+ORVANE_API const char* ExtrusionTypeName(TExtrusionType AType);
 
 // The quad road's base sample range in UV parameter units.
 inline constexpr double DefaultSampleRange = 0.1;

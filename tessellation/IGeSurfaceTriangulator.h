@@ -5,12 +5,13 @@
 #include <memory>
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 #include "contracts/Interfaces.h"
 #include "contracts/ViewUnits.h"
 
 namespace orvane {
 
-class IGeSurfaceTriangulator : public virtual IInterface {
+class ORVANE_API IGeSurfaceTriangulator : public virtual IInterface {
 public:
     static constexpr TGUID IID = TGUID::FromString("{8AA0B750-BCB5-41BA-90CC-75668870F362}");
 

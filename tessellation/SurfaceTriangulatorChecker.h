@@ -5,12 +5,13 @@
 #pragma once
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 #include "contracts/Generics.h"
 #include "tessellation/ExtrusionType.h"
 
 namespace orvane {
 
-class TSurfaceTriangulatorChecker {
+class ORVANE_API TSurfaceTriangulatorChecker {
 public:
     TSurfaceTriangulatorChecker() = delete;
 

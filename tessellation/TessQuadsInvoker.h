@@ -9,6 +9,7 @@
 #include <span>
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 #include "contracts/ViewUnits.h"
 #include "tessellation/ExtrusionType.h"
 
@@ -20,9 +21,9 @@ using TCreateDrawQuadsFunc = std::function<std::unique_ptr<TViewUnitList>(
     std::span<const TVPoint2DList* const> APolylines, double XTol, double YTol, bool AUnitPerColumn)>;
 
 // TTessQuadsTool::CreateDrawQuads.
-TCreateDrawQuadsFunc DefaultCreateDrawQuads();
+ORVANE_API TCreateDrawQuadsFunc DefaultCreateDrawQuads();
 
-class TTessQuadsInvoker {
+class ORVANE_API TTessQuadsInvoker {
 public:
     TTessQuadsInvoker(TExtrusionType AExtrusionType, double ASampleTolerance,
                       TCreateDrawQuadsFunc ACreateDrawQuads = DefaultCreateDrawQuads());

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "contracts/Cadgeometry.h"
+#include "contracts/Export.h"
 #include "contracts/ViewUnits.h"
 #include "immediate/zqglTypes.h"
 #include "tessellation/ExtrusionType.h"
@@ -19,7 +20,7 @@
 
 namespace orvane {
 
-class TQuadSurfaceTriangulator : public TInterfacedObject, public IGeSurfaceTriangulator {
+class ORVANE_API TQuadSurfaceTriangulator : public TInterfacedObject, public IGeSurfaceTriangulator {
 public:
     // Sample tolerance DefaultSampleRange / 100.
     TQuadSurfaceTriangulator();
