@@ -104,6 +104,7 @@ struct BoundingBox {
 // Everything read from one file.
 struct CadModelData {
     std::string Format;  // "IGES" or "STEP"
+    std::string Unit = "mm";  // the length unit of every coordinate and measure, as LengthUnitNamed takes it
     std::vector<FaceData> Faces;
     std::vector<SkippedFace> Skipped;
     BoundingBox Box;
