@@ -46,8 +46,8 @@ HGLRC CreateContext(HDC dc, HGLRC shareContext, const std::vector<EGLint>& attri
     return context;
 }
 
-// WGL context attributes in EGL's words. The forward-compatible flag is never passed on:
-// Mesa turns a compatibility profile request that carries it into a core profile.
+// WGL context attributes in EGL's words. EGL's forward-compatible flag makes a core profile
+// whatever profile is asked for, on Mesa.
 bool TranslateAttributes(const int* list, std::vector<EGLint>& out)
 {
     for (; list && list[0] != 0; list += 2) {
@@ -62,6 +62,8 @@ bool TranslateAttributes(const int* list, std::vector<EGLint>& out)
         case WGL_CONTEXT_FLAGS_ARB:
             if (value & WGL_CONTEXT_DEBUG_BIT_ARB)
                 out.insert(out.end(), {EGL_CONTEXT_OPENGL_DEBUG, EGL_TRUE});
+            if (value & WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB)
+                out.insert(out.end(), {EGL_CONTEXT_OPENGL_FORWARD_COMPATIBLE, EGL_TRUE});
             break;
         case WGL_CONTEXT_PROFILE_MASK_ARB:
             out.insert(out.end(), {EGL_CONTEXT_OPENGL_PROFILE_MASK, value});

@@ -102,13 +102,15 @@ HGLRC CreateRenderingContextVersion(HDC dc, TRCOptions options, int majorVersion
 
     std::vector<int> attributes = {WGL_CONTEXT_MAJOR_VERSION_ARB, majorVersion,
                                    WGL_CONTEXT_MINOR_VERSION_ARB, minorVersion};
+    // A forward-compatible context is a core one, WGL's default profile. Otherwise the
+    // compatibility profile is asked for, since EGL gives core when none is named and the
+    // system needs the matrix stack and immediate mode.
     if (forwardCompatible)
         attributes.insert(attributes.end(), {WGL_CONTEXT_FLAGS_ARB,
                                              WGL_CONTEXT_FORWARD_COMPATIBLE_BIT_ARB});
-    // Always the compatibility profile: EGL gives core when none is asked for, and the system
-    // needs the matrix stack and immediate mode.
-    attributes.insert(attributes.end(), {WGL_CONTEXT_PROFILE_MASK_ARB,
-                                         WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB});
+    else
+        attributes.insert(attributes.end(), {WGL_CONTEXT_PROFILE_MASK_ARB,
+                                             WGL_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB});
     attributes.push_back(0);
 
     const auto createContextAttribs = reinterpret_cast<TwglCreateContextAttribsARB>(

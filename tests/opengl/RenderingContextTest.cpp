@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "opengl/PixelFormatMap.h"
@@ -75,14 +76,20 @@ TEST(RenderingContext, ChosenFormatHasEightBitsAChannelAndIsSetOnce)
     EXPECT_EQ(DestroyRenderingContext(rc), 1);
     EXPECT_EQ(wglGetCurrentContext(), nullptr);  // deleted while current: released first
 
-    // A forward-compatible request still gets the compatibility profile.
-    rc = CreateVersion(dc.Handle(), 3, true);
-    ActivateRenderingContext(dc.Handle(), rc, false);
-    GLint profile = 0;
-    glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &profile);
-    EXPECT_EQ(static_cast<GLuint>(profile), GL_CONTEXT_COMPATIBILITY_PROFILE_BIT);
-    DeactivateRenderingContext();
-    DestroyRenderingContext(rc);
+    // A forward-compatible request gets a forward-compatible core profile, a plain one the
+    // compatibility profile.
+    for (const auto& [forward, profile, flags] : {std::tuple{true, GL_CONTEXT_CORE_PROFILE_BIT, GL_CONTEXT_FLAG_FORWARD_COMPATIBLE_BIT},
+                                                  {false, GL_CONTEXT_COMPATIBILITY_PROFILE_BIT, 0u}}) {
+        rc = CreateVersion(dc.Handle(), 3, forward);
+        ActivateRenderingContext(dc.Handle(), rc, false);
+        GLint mask = 0, flagBits = 0;
+        glGetIntegerv(GL_CONTEXT_PROFILE_MASK, &mask);
+        glGetIntegerv(GL_CONTEXT_FLAGS, &flagBits);
+        EXPECT_EQ(static_cast<GLuint>(mask), profile) << forward;
+        EXPECT_EQ(static_cast<GLuint>(flagBits) & GL_CONTEXT_FLAG_FORWARD_COMPATIBLE_BIT, flags) << forward;
+        DeactivateRenderingContext();
+        DestroyRenderingContext(rc);
+    }
 }
 
 TEST(RenderingContext, FailuresAreReportedWithTheirMessages)
