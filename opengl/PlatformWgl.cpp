@@ -5,7 +5,6 @@
 #include <unordered_set>
 #include <vector>
 
-#include "opengl/ContextOffer.h"
 #include "opengl/EglLibrary.h"
 #include "opengl/GlRegistry.h"
 #include "opengl/PlatformInternal.h"
@@ -142,7 +141,6 @@ BOOL wglDeleteContext(HGLRC rc)
     if (eglGetCurrentContext() == rc)
         eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     const bool deleted = eglDestroyContext(display, rc);
-    dglOpenGL::detail::ForgetContextOffer();
     if (!deleted)
         detail::SetEGLError("eglDestroyContext");
     return deleted ? 1 : 0;

@@ -8,8 +8,6 @@
 #include <xmmintrin.h>
 #endif
 
-#include "opengl/ContextOffer.h"
-#include "opengl/EglLibrary.h"
 #include "opengl/GlRegistry.h"
 #include "opengl/Platform.h"
 
@@ -70,6 +68,14 @@ void ResolveWGL()
                           reinterpret_cast<void*>(orvane::PlatformWGLFunction(name)));
 }
 
+// With no context current only OpenGL 1.0 and 1.1 are taken: libGL exports every name
+// whatever the driver, and a later function works only in a context that has it. In a context,
+// whatever the library or the driver gives is taken.
+bool Gated(const registry::TGLCommand& command)
+{
+    return !orvane::wglGetCurrentContext() && command.Version != 10 && command.Version != 11;
+}
+
 void ResolveGLU()
 {
     for (const auto& slot : registry::GLUCommands())
@@ -90,9 +96,8 @@ void* dglGetProcAddress(const char* procName, void* libHandle)
 {
     if (!libHandle)
         libHandle = GL_LibHandle;
-    if (const auto* command = registry::FindGLCommand(procName))
-        if (!detail::ContextOffers(*command))
-            return nullptr;
+    if (const auto* command = registry::FindGLCommand(procName); command && Gated(*command))
+        return nullptr;
     void* proc = libHandle ? dlsym(libHandle, procName) : nullptr;
     if (!proc && wglGetProcAddress)
         proc = reinterpret_cast<void*>(wglGetProcAddress(procName));

@@ -71,10 +71,10 @@ struct ORVANE_API TGLMatrixf4 : std::array<TGLVectorf4, 4> {
 };
 static_assert(sizeof(TGLMatrixf4) == 16 * sizeof(GLfloat));
 
-// The address of an entry point, or nullptr. A nil handle means GL_LibHandle. A name of the GL
-// registry is only given when the current context offers it: with no context the GL 1.0 and
-// 1.1 names, with one a name of a version up to the context's or of an extension it lists.
-// The library answers first, then wglGetProcAddress (eglGetProcAddress underneath).
+// The address of an entry point, or nullptr. A nil handle means GL_LibHandle. With no context
+// current a name of the GL registry is given only if it is of GL 1.0 or 1.1; in a context every
+// name is given that the library or the driver has. The library answers first, then
+// wglGetProcAddress (eglGetProcAddress underneath).
 ORVANE_API void* dglGetProcAddress(const char* procName, void* libHandle = nullptr);
 
 // Releases what is loaded, loads both libraries and resolves the WGL and GLU names. True when
