@@ -95,9 +95,9 @@ HGLRC CreateRenderingContextVersion(HDC dc, TRCOptions options, int majorVersion
     using namespace orvane;
     EnsureLibrary();
     SetupPixelFormat(dc, options, colorBits, zBits, stencilBits, accumBits, auxBuffers, layer);
+    // Only for wglGetProcAddress; without it the request goes on, as the platform's look-up
+    // needs no current context.
     HGLRC temporary = wglCreateContext ? wglCreateContext(dc) : nullptr;
-    if (!temporary)
-        RaiseLastOSError();
     MakeCurrent(dc, temporary);
 
     std::vector<int> attributes = {WGL_CONTEXT_MAJOR_VERSION_ARB, majorVersion,

@@ -129,6 +129,11 @@ TEST(RenderingContext, FailuresAreReportedWithTheirMessages)
     });
     EXPECT_EQ(Raised<EOSError>([&] { CreateRenderingContext(unformatted.Handle(), {}, 32, 24, 8, 0, 0, 0); }),
               "System Error. Code: 5.\nAccess is denied.");
+    // Without its temporary context a versioned request goes on and still makes its context.
+    HGLRC rc = nullptr;
+    EXPECT_NO_THROW(rc = CreateVersion(dc.Handle()));
+    EXPECT_NE(rc, nullptr);
+    DestroyRenderingContext(rc);
 }
 
 TEST(RenderingContext, MissingLibraryIsReported)
