@@ -1,5 +1,6 @@
 #include "immediate/zqglUtils.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -183,9 +184,12 @@ void zqglDrawPoint(const TGLPoint3D& p)
     glEnd();
 }
 
+// No points draw nothing: GL would refuse the empty map and evaluate the one before it.
 void zqglDrawBezier(const TDynPoints3D& points, int steps)
 {
-    glMap1d(GL_MAP1_VERTEX_3, 0.0, steps, 3, static_cast<GLint>(points.size()), &points.data()->X);
+    if (points.empty())
+        return;
+    glMap1d(GL_MAP1_VERTEX_3, 0.0, steps, 3, static_cast<GLint>(points.size()), &points.front().X);
     glEnable(GL_MAP1_VERTEX_3);
     glMapGrid1d(steps, 0.0, steps);
     glEvalMesh1(GL_LINE, 0, steps);
@@ -208,7 +212,8 @@ void zqglDrawTexture(const TDynPoints3D& vertices, const TDynPoints2D& coordinat
     glEnable(GL_TEXTURE_2D);
     glBindTexture(GL_TEXTURE_2D, texture);
     glBegin(GL_QUADS);
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
+    // A vertex without texture coordinates is not drawn.
+    for (std::size_t i = 0; i < std::min(vertices.size(), coordinates.size()); ++i) {
         glTexCoord2d(coordinates[i].X, coordinates[i].Y);
         glVertex3d(vertices[i].X, vertices[i].Y, vertices[i].Z);
     }

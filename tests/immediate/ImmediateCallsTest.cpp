@@ -142,6 +142,11 @@ TEST(zqglUtils, BezierCurvesRunOverZeroToSteps)
     ten.insert(ten.end(), {{8, 0, 0}, {9, 0, 0}});
     zqglDrawBezierByFour(ten, 10);
     EXPECT_THAT(rec.Texts(), ElementsAre(on, map + "4, ptr)", grid, eval, map + "4, ptr)", grid, eval, off));
+
+    // No points: no call, so the map of an earlier curve is not drawn again.
+    rec.Clear();
+    zqglDrawBezier({}, 10);
+    EXPECT_THAT(rec.Texts(), ::testing::IsEmpty());
 }
 
 TEST(zqglUtils, TextureQuadsLeaveTexturingOnNurbsRendererAndFloatArrays)
@@ -160,6 +165,10 @@ TEST(zqglUtils, TextureQuadsLeaveTexturingOnNurbsRendererAndFloatArrays)
     EXPECT_EQ(rec.Count("glTexCoord2d"), 4u);
     EXPECT_EQ(rec.Texts()[5] + " " + rec.Texts()[6], "glTexCoord2d(1, 0) glVertex3d(4, 5, 6)");
     EXPECT_EQ(rec.Count("glDisable"), 0u);
+    // Vertices go as far as their texture coordinates do.
+    rec.Clear();
+    zqglDrawTexture({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, {{0, 0}}, 7, false);
+    EXPECT_EQ(rec.Count("glTexCoord2d") + rec.Count("glVertex3d"), 2u);
 
     rec.Clear();
     EXPECT_EQ(zqglNewNurbObjRender(60.0), reinterpret_cast<gl::GLUnurbs*>(0x40));
