@@ -286,14 +286,15 @@ void TGLSurfaceTriangulator::AddTrimCurve(const TGeCurve2D& Curve, double UErr, 
         TDynGLFloat knots;
         int degree = 0;
         ParamCurve2GLSpline(Curve, ctrl, knots, degree);
-        gluNurbsCurve(FRender, static_cast<GLint>(knots.size()), knots.data(), 3, &ctrl.data()->X, degree + 1,
-                      GLU_MAP1_TRIM_3);
+        if (!ctrl.empty())  // a spline of no control points sends nothing, as a polyline of one point
+            gluNurbsCurve(FRender, static_cast<GLint>(knots.size()), knots.data(), 3, &ctrl.front().X, degree + 1,
+                          GLU_MAP1_TRIM_3);
         return;
     }
     TDynGLPointW2D points;
     ParamCurve2GLLines(Curve, points, UErr, VErr);
     if (points.size() >= 2)
-        gluPwlCurve(FRender, static_cast<GLint>(points.size()), &points.data()->X, 3, GLU_MAP1_TRIM_2);
+        gluPwlCurve(FRender, static_cast<GLint>(points.size()), &points.front().X, 3, GLU_MAP1_TRIM_2);
 }
 
 }  // namespace orvane

@@ -254,12 +254,14 @@ TGLSurfaceTriangulator::TGLSurfaceData TGLSurfaceTriangulator::MakeSurfaceData(c
     return data;
 }
 
-// s along U, t along V; GL_MAP2_VERTEX_4 for rational and non-rational surfaces alike.
+// s along U, t along V; GL_MAP2_VERTEX_4 for rational and non-rational surfaces alike. With no
+// control points nothing is sent, so GLU has nothing to read.
 void TGLSurfaceTriangulator::SendSurface(TGLSurfaceData& Data)
 {
+    if (Data.CtrlPoints.empty()) return;
     gluNurbsSurface(FRender, static_cast<GLint>(Data.KnotsU.size()), Data.KnotsU.data(),
                     static_cast<GLint>(Data.KnotsV.size()), Data.KnotsV.data(), Data.CountV * 4, 4,
-                    &Data.CtrlPoints.data()->X, Data.DegreeU + 1, Data.DegreeV + 1, GL_MAP2_VERTEX_4);
+                    &Data.CtrlPoints.front().X, Data.DegreeU + 1, Data.DegreeV + 1, GL_MAP2_VERTEX_4);
 }
 
 void StartUnit_uTriangulate() { GeSurfTri = new TGLSurfaceTriangulator(); }
