@@ -36,17 +36,6 @@ void PutPoint(std::string& out, const TPoint3D& p)
     Put(out, xyz, sizeof xyz);
 }
 
-// Streams into the temporary file and checks that everything reached it.
-void WriteFile(const std::string& path, const std::function<void(std::ostream&)>& fill)
-{
-    WriteFileAtomically(path, [&](const std::string& temp) {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        fill(out);
-        out.close();
-        if (!out) throw std::runtime_error("cannot write " + temp);
-    });
-}
-
 // --- glTF ------------------------------------------------------------------------------
 
 // Appends the bytes to the one buffer as a view of their own.
@@ -263,13 +252,13 @@ void WriteStl(const std::string& Path, const WeldedMesh& Mesh)
                 for (const TPoint3D& p : {a, b, c}) PutPoint(bytes, p);
                 Put(bytes, &attributes, sizeof attributes);
             }
-    WriteFile(Path, [&](std::ostream& out) { out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); });
+    WriteStreamAtomically(Path, [&](std::ostream& out) { out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); });
 }
 
 void WriteGlb(const std::string& Path, const WeldedMesh& Mesh)
 {
     const tinygltf::Model model = GltfModel(Mesh);
-    WriteFile(Path, [&](std::ostream& out) {
+    WriteStreamAtomically(Path, [&](std::ostream& out) {
         tinygltf::TinyGLTF writer;
         if (!writer.WriteGltfSceneToStream(&model, out, false, true)) out.setstate(std::ios::failbit);
     });
@@ -277,7 +266,7 @@ void WriteGlb(const std::string& Path, const WeldedMesh& Mesh)
 
 void WriteObj(const std::string& Path, const WeldedMesh& Mesh, const ObjOptions& Options)
 {
-    WriteFile(Path, [&](std::ostream& out) {
+    WriteStreamAtomically(Path, [&](std::ostream& out) {
         std::istringstream comment(Options.Comment);
         for (std::string line; std::getline(comment, line);) out << "# " << line << '\n';
         const ObjNumbers numbers = WritePointsAndNormals(out, Mesh);
