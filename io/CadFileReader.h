@@ -22,17 +22,29 @@ public:
 
 enum class CadFormat { Iges, Step };
 
-// The format the file's first line announces; raises ECadFileError "cannot open <path>" or
-// "<path> is not an IGES or STEP file".
+// The format the file's first bytes announce (a bounded prefix, whatever the file holds after
+// it); raises ECadFileError "cannot open <path>" or "<path> is not an IGES or STEP file".
 CadFormat SniffCadFormat(const std::string& Path);
 
 // Keeps OpenCASCADE's reports off standard output: the tool's output belongs to the user.
 void SilenceOcctMessages();
 
+// A length unit the model's coordinates can be given in, by its short name ("mm", "in", "m",
+// ...); Millimetres: its length in millimetres.
+struct LengthUnit {
+    const char* Name;
+    double Millimetres;
+};
+
+// The unit by its short name; raises ECadFileError for a name it does not know.
+LengthUnit LengthUnitNamed(const std::string& Name);
+
 class CadFileReader {
 public:
-    // Reads and translates the whole file; raises ECadFileError when it cannot.
-    explicit CadFileReader(const std::string& Path);
+    // Reads and translates the whole file, its coordinates in Unit: "file" for the file's own
+    // length unit (millimetres where the file names none the reader knows), else a short name
+    // of LengthUnitNamed. Raises ECadFileError when it cannot.
+    explicit CadFileReader(const std::string& Path, const std::string& Unit = "file");
     ~CadFileReader();
     CadFileReader(const CadFileReader&) = delete;
     CadFileReader& operator=(const CadFileReader&) = delete;
@@ -40,6 +52,8 @@ public:
     CadFormat Format() const { return FFormat; }
     const char* FormatName() const { return FFormat == CadFormat::Iges ? "IGES" : "STEP"; }
     const TopoDS_Shape& Shape() const { return FShape; }
+    // The unit the shape's coordinates are in.
+    const LengthUnit& Unit() const { return FUnit; }
     // The file's label of the entity a shape came from, e.g. `#345 "top"` or `D57`; empty
     // when the file has none.
     std::string EntityLabel(const TopoDS_Shape& S) const;
@@ -55,7 +69,13 @@ private:
     void IndexTransfer();
     Handle(Standard_Transient) EntityOf(const TopoDS_Shape& S) const;
 
+    // The unit the file gives its lengths in.
+    LengthUnit FileUnit() const;
+    // Tells the reader's transfer to give the shape in FUnit.
+    void ConvertTo(const LengthUnit& unit);
+
     CadFormat FFormat;
+    LengthUnit FUnit{"mm", 1.0};
     std::unique_ptr<XSControl_Reader> FReader;
     TopoDS_Shape FShape;
     std::unordered_map<const void*, std::vector<Made>> FMade;

@@ -143,9 +143,9 @@ std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedM
 
 }  // namespace
 
-CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance)
+CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance, const std::string& Unit)
 {
-    const CadFileReader reader(Path);
+    const CadFileReader reader(Path, Unit);
     const HealedShape healed(reader.Shape());
     const TopoDS_Shape& shape = healed.Shape();
     TopTools_IndexedMapOfShape faces;
@@ -153,6 +153,7 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
     CadModelData model;
     model.Format = reader.FormatName();
+    model.Unit = reader.Unit().Name;
     const std::vector<double> areas = MeasureFaces(faces, model);
     model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
     const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);

@@ -1,6 +1,7 @@
 #include "io/IsolatedReader.h"
 
 #include <poll.h>
+#include <sys/prctl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -43,8 +44,19 @@ void SendFrame(int fd, char kind, const std::string& payload)
     WriteAll(fd, frame.data(), frame.size());
 }
 
-[[noreturn]] void RunChild(int fd, const std::function<CadModelData(const ProgressFn&)>& work)
+// The child must not outlive the tool: killed with its parent, whatever kills the parent. The
+// parent may have died before the request was made, hence the look at who the parent is now.
+void DieWithParent(pid_t parent)
 {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) ::_exit(1);
+}
+
+[[noreturn]] void RunChild(int fd, pid_t parent, const std::function<CadModelData(const ProgressFn&)>& work)
+{
+    DieWithParent(parent);
+    // The parent's handlers (removing its temporary files) are not the child's business.
+    for (const int s : {SIGINT, SIGTERM, SIGHUP}) ::signal(s, SIG_DFL);
     ::signal(SIGPIPE, SIG_IGN);
     const ProgressFn progress = [fd](int done, int total) {
         const std::int32_t values[2] = {done, total};
@@ -155,6 +167,7 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 {
     int fds[2];
     if (::pipe(fds) != 0) throw ECadFileError(Label + ": cannot start the reader (" + std::strerror(errno) + ")");
+    const pid_t parent = ::getpid();
     const pid_t pid = ::fork();
     if (pid < 0) {
         ::close(fds[0]);
@@ -163,7 +176,7 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
     }
     if (pid == 0) {
         ::close(fds[0]);
-        RunChild(fds[1], Work);
+        RunChild(fds[1], parent, Work);
     }
     ::close(fds[1]);
     ChildListener listener(fds[0], Progress);
@@ -177,9 +190,9 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 }
 
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress,
-                                  double Tolerance)
+                                  double Tolerance, const std::string& Unit)
 {
-    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance); }, Path,
+    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance, Unit); }, Path,
                        TimeLimitSeconds, Progress);
 }
 

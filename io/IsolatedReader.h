@@ -10,7 +10,7 @@
 
 namespace orvane::io {
 
-// Runs Work in a child process and returns what it returned. Progress, told in the child, is
+// Runs Work in a child process and returns what it returned. The child dies with this process. Progress, told in the child, is
 // passed on here. Raises ECadFileError (CadFileReader.h) with one line about Label:
 //   what Work raised, as its text;
 //   "<Label>: reading took longer than <n> s and was stopped";
@@ -21,6 +21,6 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 
 // ReadCadModel in a child process.
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress = {},
-                                  double Tolerance = 0.0);
+                                  double Tolerance = 0.0, const std::string& Unit = "file");
 
 }  // namespace orvane::io

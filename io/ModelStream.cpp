@@ -167,6 +167,7 @@ std::string EncodeModel(const CadModelData& Model)
     Writer w;
     w.Put(kMagic);
     w.PutString(Model.Format);
+    w.PutString(Model.Unit);
     w.Put(static_cast<std::uint64_t>(Model.Faces.size()));
     for (const FaceData& f : Model.Faces) PutFace(w, f);
     w.Put(static_cast<std::uint64_t>(Model.Skipped.size()));
@@ -195,6 +196,7 @@ CadModelData DecodeModel(std::string_view Bytes)
     if (r.Get<std::uint32_t>() != kMagic) Reader::Damaged();
     CadModelData m;
     m.Format = r.GetString();
+    m.Unit = r.GetString();
     m.Faces.resize(r.Count(8));
     for (FaceData& f : m.Faces) f = GetFace(r);
     m.Skipped.resize(r.Count(8));

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <thread>
@@ -51,6 +55,39 @@ TEST(IsolatedReader, SurvivesACrashAHangAndAFailureOfTheReader)
               "part.stp holds no faces");
 }
 
+TEST(IsolatedReader, TheReaderDiesWithItsParent)
+{
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);  // the orphaned reader comes to this process, not to init
+    int fds[2];
+    ASSERT_EQ(::pipe(fds), 0);
+    const pid_t parent = ::fork();
+    ASSERT_GE(parent, 0);
+    if (parent == 0) {
+        RunIsolated([&](const ProgressFn&) -> CadModelData {
+            const pid_t reader = ::getpid();
+            (void)!::write(fds[1], &reader, sizeof reader);
+            for (;;) ::pause();
+        }, "part.stp", 600.0);
+        ::_exit(0);
+    }
+    pid_t reader = 0;
+    ASSERT_EQ(::read(fds[0], &reader, sizeof reader), static_cast<ssize_t>(sizeof reader));
+    ::kill(parent, SIGKILL);
+    ::waitpid(parent, nullptr, 0);
+    int status = 0;
+    pid_t gone = 0;
+    for (int i = 0; i < 200 && gone == 0; ++i) {  // gives up after 10 s
+        gone = ::waitpid(reader, &status, WNOHANG);
+        if (gone == 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    if (gone == 0) ::kill(reader, SIGKILL), ::waitpid(reader, nullptr, 0);
+    ::prctl(PR_SET_CHILD_SUBREAPER, 0);
+    ::close(fds[0]);
+    ::close(fds[1]);
+    ASSERT_EQ(gone, reader) << "the reader ran on without its parent";
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+}
+
 TEST(IsolatedReader, ADamagedAnswerIsAnErrorNotAModel)
 {
     CadModelData model;
@@ -63,7 +100,7 @@ TEST(IsolatedReader, ADamagedAnswerIsAnErrorNotAModel)
         EXPECT_THROW(DecodeModel(std::string_view(bytes).substr(0, cut)), ECadFileError) << cut;
     }
     std::string huge = bytes;
-    huge[4 + 8 + 4] = '\x7f';  // the face count's low byte, after the magic and "STEP"
+    huge[4 + 8 + 4 + 8 + 2] = '\x7f';  // the face count's low byte, after the magic, "STEP" and "mm"
     EXPECT_THROW(DecodeModel(huge), ECadFileError);
 }
 
