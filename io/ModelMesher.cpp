@@ -13,6 +13,7 @@
 #include "io/FacePreparation.h"
 #include "io/FaceValidation.h"
 #include "io/GluRoad.h"
+#include "io/MeshBudget.h"
 #include "io/QuadFaceMesher.h"
 
 namespace orvane::io {
@@ -124,6 +125,7 @@ std::size_t ModelMesh::TriangleCount() const
 
 ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, const ProgressFn& Progress)
 {
+    if (Settings.MaxTriangles > 0.0) CheckMeshBudget(Model, Settings, Settings.MaxTriangles);
     ModelMesh mesh;
     mesh.Skipped = Model.Skipped;
     mesh.Solids = Model.Solids;

@@ -20,6 +20,9 @@ struct MeshSettings {
     int ViewWidth = 1024;    // glu road: the view GLU samples in
     int ViewHeight = 1024;
     long long MaxQuads = 2'000'000;  // quad road, per face
+    // The whole model's triangles, planned before any face is meshed (io/MeshBudget.h); 0: no
+    // bound.
+    double MaxTriangles = 0.0;
 };
 
 // The chordal tolerance used when none is given: 1/2500 of the model's box diagonal.
@@ -62,7 +65,8 @@ struct ModelMesh {
 
 // Meshes every face. A face the kernel refuses, the preparation refuses, or the road leaves
 // empty becomes a skipped face with its reason; the rest go on. What a road shows through the
-// application's message sink while it works on a face becomes a note on that face.
+// application's message sink while it works on a face becomes a note on that face. Raises
+// EOverBudget (io/MeshBudget.h) before anything is meshed when the plan passes MaxTriangles.
 ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, const ProgressFn& Progress = {});
 
 // The faces' arrays, one after the other.
