@@ -1,5 +1,6 @@
 #include "tools/CadFileTools.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
@@ -7,6 +8,7 @@
 
 #include "io/CadFileReader.h"
 #include "io/IsolatedReader.h"
+#include "io/MeshBudget.h"
 #include "io/ProgressBar.h"
 
 namespace orvane::tools {
@@ -18,16 +20,16 @@ std::string Lower(std::string s)
     return s;
 }
 
-}  // namespace
-
-void AddTimeLimitOption(CLI::App& Command, double& Seconds)
+std::string Millions(double n)
 {
-    Command
-        .add_option("--time-limit", Seconds,
-                    "Seconds the file's reader may take; it runs in a process of its own and is stopped after that")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
+    return n >= 1e6 ? Number(n / 1e6) + " million" : Number(n);
 }
+
+// The child's own limit is a little longer than what is left of the run: the run's deadline
+// stops it first, with the one message for the whole run.
+constexpr double kChildGraceSeconds = 5.0;
+
+}  // namespace
 
 bool IsCadFileName(const std::string& Name)
 {
@@ -35,42 +37,83 @@ bool IsCadFileName(const std::string& Name)
     return ext == ".igs" || ext == ".iges" || ext == ".stp" || ext == ".step" || std::filesystem::is_regular_file(Name);
 }
 
-io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds, double Tolerance)
+std::string Number(double x)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g", x);
+    return text;
+}
+
+TCadRun::TCadRun(const TCadOptions& Options, TVerbosity Verbosity, const std::string& Label)
+    : FOptions(Options),
+      FVerbosity(Verbosity),
+      FDeadline(Options.TimeLimit,
+                Label + ": the run took longer than --time-limit " + Number(Options.TimeLimit) + " s and was stopped")
+{
+}
+
+io::CadModelData TCadRun::Read(const std::string& Path) const
 {
     io::ProgressBar bar("reading " + std::filesystem::path(Path).filename().string());
     try {
         return io::ReadCadModelIsolated(
-            Path, TimeLimitSeconds, [&](int done, int total) { bar.Update(done, total); }, Tolerance);
+            Path, std::max(0.0, FDeadline.SecondsLeft()) + kChildGraceSeconds,
+            [&](int done, int total) { bar.Update(done, total); }, FOptions.Tolerance, FOptions.Unit);
     } catch (const io::ECadFileError& e) {
         bar.Finish();
         throw std::runtime_error(e.what());
     }
 }
 
-io::ModelMesh MeshCadModel(const io::CadModelData& Model, const io::MeshSettings& Settings, const std::string& Path)
+io::ModelMesh TCadRun::Mesh(const io::CadModelData& Model, const std::string& Path) const
 {
+    io::MeshSettings settings;
+    settings.Road = FOptions.Road == "glu" ? io::MeshRoad::Glu : io::MeshRoad::Quad;
+    settings.Tolerance = FOptions.Tolerance;
+    settings.ViewWidth = FOptions.Size.Width;
+    settings.ViewHeight = FOptions.Size.Height;
+    settings.MaxTriangles = MaxBytes() / io::kBytesPerTriangle;
     io::ProgressBar bar("meshing " + std::filesystem::path(Path).filename().string());
-    io::ModelMesh mesh = io::MeshModel(Model, Settings, [&](int done, int total) { bar.Update(done, total); });
+    io::ModelMesh mesh;
+    try {
+        mesh = io::MeshModel(Model, settings, [&](int done, int total) { bar.Update(done, total); });
+    } catch (const io::EOverBudget& e) {
+        const std::string how = settings.Road == io::MeshRoad::Glu
+                                    ? "on the glu road in a " + std::to_string(FOptions.Size.Width) + "x" +
+                                          std::to_string(FOptions.Size.Height) + " view"
+                                    : "at tolerance " + Number(settings.Tolerance > 0 ? settings.Tolerance
+                                                                                      : io::DefaultTolerance(Model)) +
+                                          " " + Model.Unit;
+        throw std::runtime_error(Path + ": the mesh needs about " + Millions(e.Needed) + " triangles " + how + ", " +
+                                 Number(e.Needed / e.Allowed) + " times the " + Millions(e.Allowed) +
+                                 " that --max-memory " + Number(FOptions.MaxMemoryMiB) + " MiB allows");
+    }
     bar.Finish();
     if (mesh.Faces.empty()) {
-        ReportFaces(Path, mesh);
+        Report(Path, mesh, Model.FaceCount());
         throw std::runtime_error(Path + ": no face could be meshed");
     }
     return mesh;
 }
 
-void ReportFaces(const std::string& Path, const io::ModelMesh& Mesh)
+int TCadRun::Report(const std::string& Path, const io::ModelMesh& Mesh, int FaceCount) const
 {
-    for (const io::SkippedFace& s : Mesh.Skipped)
-        std::fprintf(stderr, "orvane: %s: %s skipped: %s\n", Path.c_str(), s.Name.c_str(), s.Reason.c_str());
-    for (const io::SkippedFace& n : Mesh.Notes)
-        std::fprintf(stderr, "orvane: %s: %s: %s\n", Path.c_str(), n.Name.c_str(), n.Reason.c_str());
+    if (FVerbosity != TVerbosity::Quiet)
+        for (const io::SkippedFace& s : Mesh.Skipped)
+            std::fprintf(stderr, "orvane: %s: %s skipped: %s\n", Path.c_str(), s.Name.c_str(), s.Reason.c_str());
+    if (FVerbosity == TVerbosity::Verbose)
+        for (const io::SkippedFace& n : Mesh.Notes)
+            std::fprintf(stderr, "orvane: %s: %s: %s\n", Path.c_str(), n.Name.c_str(), n.Reason.c_str());
+    if (Mesh.Skipped.empty()) return kExitDone;
+    std::fprintf(stderr, "orvane: %s: %zu of %d faces skipped\n", Path.c_str(), Mesh.Skipped.size(), FaceCount);
+    return kExitFacesSkipped;
 }
 
-TSceneMesh CadSceneMesh(const std::string& Path)
+TSceneMesh TCadRun::SceneMesh(const std::string& Path, int& ExitCode) const
 {
-    const io::ModelMesh mesh = MeshCadModel(ReadCadFile(Path, kDefaultReadSeconds), {}, Path);
-    ReportFaces(Path, mesh);
+    const io::CadModelData model = Read(Path);
+    const io::ModelMesh mesh = Mesh(model, Path);
+    ExitCode = std::max(ExitCode, Report(Path, mesh, model.FaceCount()));
     TSceneMesh scene;
     io::JoinFaces(mesh, scene.Tri, scene.Norm);
     return scene;

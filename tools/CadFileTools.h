@@ -1,39 +1,55 @@
-// What the commands that take an IGES or STEP file share: reading it in a child process with
-// a progress bar, meshing it, and telling the user about faces that were skipped.
+// What the commands that take IGES or STEP files share: reading each in a child process with a
+// progress bar, meshing it within the bounds the command line sets, and telling the user what
+// was skipped. One TCadRun serves a command's whole run, and its time limit covers all of it.
 #pragma once
 
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 #include "io/CadFaceData.h"
 #include "io/ModelMesher.h"
+#include "tools/Options.h"
+#include "tools/RunDeadline.h"
 #include "tools/SceneRenderer.h"
 
 namespace orvane::tools {
 
-// Seconds the reader may take before it is stopped, unless --time-limit says otherwise.
-inline constexpr double kDefaultReadSeconds = 120.0;
-
-// Adds --time-limit SECONDS to a command, stored in Seconds.
-void AddTimeLimitOption(CLI::App& Command, double& Seconds);
-
 // True for a name that is a file on disk or ends in .igs, .iges, .stp or .step.
 bool IsCadFileName(const std::string& Name);
 
-// Reads Path in a child process, with a progress bar while it takes long. Raises
-// std::runtime_error with one line when the file cannot be read or holds no faces.
-// Tolerance: what the edges are discretised at (0: the model's default tolerance).
-io::CadModelData ReadCadFile(const std::string& Path, double TimeLimitSeconds, double Tolerance = 0.0);
+// x with four significant digits.
+std::string Number(double x);
 
-// Meshes the model with a progress bar; raises "<Path>: no face could be meshed" when no face
-// gave triangles.
-io::ModelMesh MeshCadModel(const io::CadModelData& Model, const io::MeshSettings& Settings, const std::string& Path);
+class TCadRun {
+public:
+    // Starts the clock of --time-limit; Label names the run in the message when it passes.
+    TCadRun(const TCadOptions& Options, TVerbosity Verbosity, const std::string& Label);
 
-// One line on standard error for each face the reader or the road skipped or remarked on.
-void ReportFaces(const std::string& Path, const io::ModelMesh& Mesh);
+    // Reads Path in a child process, with a progress bar while it takes long. Raises
+    // std::runtime_error with one line when the file cannot be read or holds no faces.
+    io::CadModelData Read(const std::string& Path) const;
 
-// The whole model through the quad road at the default tolerance, as one mesh to draw.
-TSceneMesh CadSceneMesh(const std::string& Path);
+    // Meshes the model as the options say, with a progress bar. Raises std::runtime_error
+    // naming the bound and by how much when the planned mesh passes --max-memory, and
+    // "<Path>: no face could be meshed" (after the faces' lines) when no face gave triangles.
+    io::ModelMesh Mesh(const io::CadModelData& Model, const std::string& Path) const;
+
+    // One line on standard error for each face skipped (and, with --verbose, each note of a
+    // road), then "<Path>: <n> of <m> faces skipped" (even with --quiet). Answers kExitDone or
+    // kExitFacesSkipped.
+    int Report(const std::string& Path, const io::ModelMesh& Mesh, int FaceCount) const;
+
+    // The meshes' and the picture's memory bound, in bytes.
+    double MaxBytes() const { return FOptions.MaxMemoryMiB * 1048576.0; }
+    TVerbosity Verbosity() const { return FVerbosity; }
+    const TCadOptions& Options() const { return FOptions; }
+
+    // The whole file through Mesh, as one mesh to draw.
+    TSceneMesh SceneMesh(const std::string& Path, int& ExitCode) const;
+
+private:
+    const TCadOptions& FOptions;
+    TVerbosity FVerbosity;
+    TRunDeadline FDeadline;
+};
 
 }  // namespace orvane::tools

@@ -43,7 +43,7 @@ void PrintInfo(TDisplayPath path)
     std::printf("extension flags set: %d of %d\n", set, total);
 }
 
-void RunGlinfo()
+int RunGlinfo()
 {
     try {
         TOffscreenDC dc(1, 1);
@@ -56,14 +56,15 @@ void RunGlinfo()
     } catch (const Exception& e) {
         throw std::runtime_error(e.Message());
     }
+    return kExitDone;
 }
 
 }  // namespace
 
-void AddGlinfoCommand(CLI::App& app)
+void AddGlinfoCommand(CLI::App& app, TToolRun& tool)
 {
     CLI::App* glinfo = app.add_subcommand("glinfo", "Show the OpenGL context this machine gives headless");
-    glinfo->callback([] { RunGlinfo(); });
+    glinfo->callback([&tool] { tool.Command = [] { return RunGlinfo(); }; });
 }
 
 }  // namespace orvane::tools

@@ -17,9 +17,6 @@ namespace orvane::tools {
 
 namespace {
 
-TGluViewSize gViewSize;
-std::string gViewSizeText = "1024x1024";
-
 // A current headless context for the length of the run.
 class THeadlessContext {
 public:
@@ -48,28 +45,9 @@ private:
 
 }  // namespace
 
-TGluViewSize ParseViewSize(const std::string& Text)
+std::string GluTessellate(const TGeSurface& Surface, const TViewSize& size, bool Quads, TFloatDynArray& Tri,
+                          TFloatDynArray& Norm, double& Seconds)
 {
-    int w = 0, h = 0, used = 0;
-    if (std::sscanf(Text.c_str(), "%dx%d%n", &w, &h, &used) != 2 || used != static_cast<int>(Text.size()) || w < 1 ||
-        h < 1 || w > 16384 || h > 16384)
-        throw std::runtime_error("--size wants WIDTHxHEIGHT in pixels, 1 to 16384 each, not \"" + Text + "\"");
-    return {w, h};
-}
-
-void AddGluViewSizeOption(CLI::App& Command)
-{
-    Command
-        .add_option("--size", gViewSizeText,
-                    "glu road: the view as WIDTHxHEIGHT pixels (default 1024x1024). GLU samples the surface in "
-                    "pixels of this view, fitted so that the shape spans it: a larger view, a finer mesh")
-        ->each([](const std::string& text) { gViewSize = ParseViewSize(text); });
-}
-
-std::string GluTessellate(const TGeSurface& Surface, bool Quads, TFloatDynArray& Tri, TFloatDynArray& Norm,
-                          double& Seconds)
-{
-    const TGluViewSize size = gViewSize;
     try {
         const THeadlessContext context(size.Width, size.Height);
         FitObliqueView(Surface, size.Width, size.Height);

@@ -5,27 +5,15 @@
 
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 #include "contracts/Cadgeometry.h"
+#include "tools/Options.h"
 
 namespace orvane::tools {
 
-struct TGluViewSize {
-    int Width = 1024;
-    int Height = 1024;
-};
-
-// Parses "WxH" (e.g. "1024x1024"); raises std::runtime_error for anything else.
-TGluViewSize ParseViewSize(const std::string& Text);
-
-// Adds --size WxH to the command; the value is read by GluTessellate.
-void AddGluViewSizeOption(CLI::App& Command);
-
 // Triangulates (or, with Quads, quadrilateralizes) the surface through GLU inside a headless
-// context with a view of the --size given, fitted so that the surface spans it. Fills Tri and
+// context with a view of Size, fitted so that the surface spans it. Fills Tri and
 // Norm, the seconds the triangulator took, and returns a line about the view.
-std::string GluTessellate(const TGeSurface& Surface, bool Quads, TFloatDynArray& Tri, TFloatDynArray& Norm,
-                          double& Seconds);
+std::string GluTessellate(const TGeSurface& Surface, const TViewSize& Size, bool Quads, TFloatDynArray& Tri,
+                          TFloatDynArray& Norm, double& Seconds);
 
 }  // namespace orvane::tools

@@ -1,6 +1,7 @@
-// orvane info FILE: what an IGES or STEP file holds: its faces, the kind of each surface and
-// its NURBS form, whether it is trimmed, the model's box, area and volume, and whether the
-// mesh at the default tolerance closes round each solid and encloses its volume.
+// orvane info FILE: what an IGES or STEP file holds: its length unit, its faces, the kind of
+// each surface and its NURBS form, whether it is trimmed, the model's box, area and volume, and
+// whether the mesh (meshed as `mesh` would with the same options, so both skip the same faces)
+// closes round each solid and encloses its volume.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -9,7 +10,6 @@
 #include <string>
 
 #include "io/KernelFace.h"
-#include "io/ProgressBar.h"
 #include "io/SolidChecks.h"
 #include "tools/CadFileTools.h"
 #include "tools/Commands.h"
@@ -19,7 +19,7 @@ namespace {
 
 struct TInfoOptions {
     std::string File;
-    double TimeLimit = kDefaultReadSeconds;
+    TCadOptions Cad;
 };
 
 std::string Boundary(const io::FaceData& f)
@@ -55,16 +55,13 @@ void PrintSolid(const io::SolidCheck& c)
     std::printf("\n");
 }
 
-// The quad road at the default tolerance, checked solid by solid.
-void PrintSolids(const std::string& path, const io::CadModelData& model)
+// The mesh checked solid by solid.
+void PrintSolids(const io::CadModelData& model, const io::ModelMesh& mesh)
 {
     const int solids = std::max(model.SolidCount, static_cast<int>(model.Solids.size()));
     if (solids == 0) return;
-    io::ProgressBar bar("meshing " + std::filesystem::path(path).filename().string());
-    const io::ModelMesh mesh = io::MeshModel(model, {}, [&](int done, int total) { bar.Update(done, total); });
-    bar.Finish();
     const std::vector<io::SolidCheck> checks = io::CheckSolids(mesh);
-    std::printf("solids, meshed at tolerance %.4g:\n", mesh.Tolerance);
+    std::printf("solids, meshed at tolerance %.4g %s:\n", mesh.Tolerance, model.Unit.c_str());
     std::size_t next = 0;
     for (int s = 0; s < solids; ++s) {
         if (next < checks.size() && checks[next].Solid == s)
@@ -74,12 +71,15 @@ void PrintSolids(const std::string& path, const io::CadModelData& model)
     }
 }
 
-void Run(const TInfoOptions& options)
+int Run(const CLI::App& command, const TInfoOptions& options, TVerbosity verbosity)
 {
-    const io::CadModelData model = ReadCadFile(options.File, options.TimeLimit);
-    std::printf("%s: %s, %d faces (%zu converted, %zu skipped), %d solid%s\n", options.File.c_str(),
-                model.Format.c_str(), model.FaceCount(), model.Faces.size(), model.Skipped.size(), model.SolidCount,
-                model.SolidCount == 1 ? "" : "s");
+    CheckCadOptions(command, options.Cad, false);
+    const TCadRun run(options.Cad, verbosity, options.File);
+    const io::CadModelData model = run.Read(options.File);
+    const io::ModelMesh mesh = run.Mesh(model, options.File);
+    std::printf("%s: %s in %s, %d faces (%zu meshed, %zu skipped), %d solid%s\n", options.File.c_str(),
+                model.Format.c_str(), model.Unit.c_str(), model.FaceCount(), mesh.Faces.size(), mesh.Skipped.size(),
+                model.SolidCount, model.SolidCount == 1 ? "" : "s");
     const io::BoundingBox& b = model.Box;
     std::printf("box (%g, %g, %g) to (%g, %g, %g), diagonal %g\n", b.Min.X, b.Min.Y, b.Min.Z, b.Max.X, b.Max.Y,
                 b.Max.Z, b.Diagonal());
@@ -87,20 +87,24 @@ void Run(const TInfoOptions& options)
     if (model.SolidCount > 0) std::printf(", volume %g", model.ExactVolume);
     std::printf("\nfaces:\n");
     for (const io::FaceData& f : model.Faces) PrintFace(f);
-    for (const io::SkippedFace& s : model.Skipped) std::printf("  %s: skipped: %s\n", s.Name.c_str(), s.Reason.c_str());
-    PrintSolids(options.File, model);
+    for (const io::SkippedFace& s : mesh.Skipped) std::printf("  %s: skipped: %s\n", s.Name.c_str(), s.Reason.c_str());
+    PrintSolids(model, mesh);
+    std::fflush(stdout);
+    return run.Report(options.File, mesh, model.FaceCount());
 }
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app)
+void AddInfoCommand(CLI::App& app, TToolRun& tool)
 {
     auto options = std::make_shared<TInfoOptions>();
     CLI::App* info = app.add_subcommand("info", "Tell what an IGES or STEP file holds: faces, surface kinds, "
                                                 "degrees, trimming, bounding box, and whether its mesh closes round each solid");
     info->add_option("file", options->File, "The IGES or STEP file")->required();
-    AddTimeLimitOption(*info, options->TimeLimit);
-    info->callback([options] { Run(*options); });
+    AddCadOptions(*info, options->Cad, "glu road: the view WIDTHxHEIGHT in pixels that the model is fitted into");
+    info->callback([info, options, &tool] {
+        tool.Command = [info, options, &tool] { return Run(*info, *options, tool.Verbosity); };
+    });
 }
 
 }  // namespace orvane::tools

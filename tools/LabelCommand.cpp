@@ -39,7 +39,7 @@ std::vector<std::uint8_t> TopFirstRgba(const TTextRaster& ARaster)
     return rgba;
 }
 
-void RunLabel(const TLabelOptions& AOptions)
+int RunLabel(const TLabelOptions& AOptions)
 {
     TTextRaster raster;
     try {
@@ -48,21 +48,23 @@ void RunLabel(const TLabelOptions& AOptions)
         throw std::runtime_error(e.Message());
     }
     WritePng(AOptions.Output, raster.Width, raster.Height, TopFirstRgba(raster));
+    return kExitDone;
 }
 
 }  // namespace
 
-void AddLabelCommand(CLI::App& app)
+void AddLabelCommand(CLI::App& app, TToolRun& tool)
 {
     auto options = std::make_shared<TLabelOptions>();
     CLI::App* label = app.add_subcommand("label", "Draw a line of text as a text texture holds it, as PNG");
     label->add_option("text", options->Text, "The text (UTF-8)")->required();
     label->add_option("--font", options->Font,
                       "Font family name; empty or generic (sans-serif, monospace) takes the system's choice");
-    label->add_option("--height", options->Height, "The texture's height: the font size is height + 20 points")
+    AddNumber(*label, "--height", options->Height, -20.0, 1000.0,
+              "The texture's height in points: the font size is height + 20 points")
         ->capture_default_str();
-    label->add_option("-o,--output", options->Output, "PNG file to write")->required();
-    label->callback([options] { RunLabel(*options); });
+    AddOutput(*label, "-o,--output", options->Output, {".png"}, "PNG file to write")->required();
+    label->callback([options, &tool] { tool.Command = [options] { return RunLabel(*options); }; });
 }
 
 }  // namespace orvane::tools

@@ -1,9 +1,10 @@
 #include "tools/ObjWriter.h"
 
 #include <cstdio>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
+
+#include "io/AtomicFile.h"
 
 namespace orvane::tools {
 
@@ -59,12 +60,10 @@ void TObjWriter::AddMesh(const std::string& Name, std::span<const double> Tri, s
 
 void WriteObjFile(const std::string& Path, const std::function<void(TObjWriter&)>& Fill)
 {
-    std::ofstream out(Path, std::ios::binary | std::ios::trunc);
-    if (!out) throw std::runtime_error("cannot create " + Path);
-    TObjWriter writer(out);
-    Fill(writer);
-    out.close();
-    if (!out) throw std::runtime_error("cannot write " + Path);
+    io::WriteStreamAtomically(Path, [&](std::ostream& out) {
+        TObjWriter writer(out);
+        Fill(writer);
+    });
 }
 
 }  // namespace orvane::tools

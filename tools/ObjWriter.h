@@ -32,8 +32,8 @@ private:
     std::size_t FVertexCount = 0;
 };
 
-// Creates (or replaces) the file Path, lets Fill write it and checks that it reached the disk;
-// raises std::runtime_error naming the file otherwise.
+// Lets Fill write the file Path through a temporary file that replaces it once complete
+// (io/AtomicFile.h); raises std::runtime_error naming the file when it cannot.
 void WriteObjFile(const std::string& Path, const std::function<void(TObjWriter&)>& Fill);
 
 }  // namespace orvane::tools

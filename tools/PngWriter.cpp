@@ -5,6 +5,8 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "io/AtomicFile.h"
+
 namespace orvane::tools {
 
 void WritePng(const std::string& path, int width, int height, std::span<const std::uint8_t> rgba)
@@ -23,10 +25,12 @@ void WritePng(const std::string& path, int width, int height, std::span<const st
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGBA;
-    const int ok = png_image_write_to_file(&image, path.c_str(), 0, rgba.data(), 0, nullptr);
-    const std::string reason = image.message;
-    png_image_free(&image);
-    if (!ok) throw std::runtime_error("cannot write " + path + ": " + reason);
+    io::WriteFileAtomically(path, [&](const std::string& temp) {
+        const int ok = png_image_write_to_file(&image, temp.c_str(), 0, rgba.data(), 0, nullptr);
+        const std::string reason = image.message;
+        png_image_free(&image);
+        if (!ok) throw std::runtime_error("cannot write " + path + ": " + reason);
+    });
 }
 
 }  // namespace orvane::tools

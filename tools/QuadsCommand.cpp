@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "contracts/TessQuadsTool.h"
+#include "io/AtomicFile.h"
 #include "tools/Commands.h"
 
 namespace orvane::tools {
@@ -128,22 +129,21 @@ void WriteSvg(const std::string& path, const TLoops& loops, const TViewUnitList&
             xmin = std::min(xmin, p.X), xmax = std::max(xmax, p.X), ymin = std::min(ymin, p.Y), ymax = std::max(ymax, p.Y);
     const double scale = 900.0 / std::max({xmax - xmin, ymax - ymin, 1e-300});
     const TSvgFrame frame{xmin, ymax, scale, 20.0};
-    std::ofstream out(path);
-    if (!out) throw std::runtime_error("cannot write " + path);
-    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << frame.X(xmax) + 20 << "\" height=\""
-        << frame.Y(ymin) + 20 << "\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
-    const char* shades[] = {"#cfe3f7", "#f7e2c4"};
-    for (int c = 0; c < columns.Count(); ++c) {
-        const TVPoint2DList& points = columns[c].Points2D;
-        for (int i = 0; i + 3 < points.Count(); i += 4)
-            out << "<polygon points=\"" << PointList(frame, &points.Items()[static_cast<std::size_t>(i)], 4)
-                << "\" fill=\"" << shades[c % 2] << "\" stroke=\"#555\" stroke-width=\"0.6\"/>\n";
-    }
-    for (const TDynPoints2D& loop : loops)
-        out << "<polygon points=\"" << PointList(frame, loop.data(), loop.size())
-            << "\" fill=\"none\" stroke=\"black\" stroke-width=\"2\"/>\n";
-    out << "</svg>\n";
-    if (!out) throw std::runtime_error("cannot write " + path);
+    io::WriteStreamAtomically(path, [&](std::ostream& out) {
+        out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << frame.X(xmax) + 20 << "\" height=\""
+            << frame.Y(ymin) + 20 << "\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
+        const char* shades[] = {"#cfe3f7", "#f7e2c4"};
+        for (int c = 0; c < columns.Count(); ++c) {
+            const TVPoint2DList& points = columns[c].Points2D;
+            for (int i = 0; i + 3 < points.Count(); i += 4)
+                out << "<polygon points=\"" << PointList(frame, &points.Items()[static_cast<std::size_t>(i)], 4)
+                    << "\" fill=\"" << shades[c % 2] << "\" stroke=\"#555\" stroke-width=\"0.6\"/>\n";
+        }
+        for (const TDynPoints2D& loop : loops)
+            out << "<polygon points=\"" << PointList(frame, loop.data(), loop.size())
+                << "\" fill=\"none\" stroke=\"black\" stroke-width=\"2\"/>\n";
+        out << "</svg>\n";
+    });
 }
 
 double Area(const TViewUnitList& units)
@@ -157,8 +157,10 @@ double Area(const TViewUnitList& units)
     return area;
 }
 
-void RunQuads(const TQuadsOptions& options)
+int RunQuads(const TQuadsOptions& options, TVerbosity verbosity)
 {
+    for (const std::string& output : {options.Output, options.Svg})
+        if (!output.empty()) io::RefuseToWriteOverInputs(output, {options.Input});
     const TLoops loops = options.Input.empty() ? SampleRegion() : ReadLoops(options.Input);
     const auto start = std::chrono::steady_clock::now();
     const auto units = Split(loops, options, false);
@@ -167,30 +169,32 @@ void RunQuads(const TQuadsOptions& options)
     if (options.Output.empty()) {
         WriteQuads(std::cout, *units);
     } else {
-        std::ofstream out(options.Output);
-        WriteQuads(out, *units);
-        if (!out) throw std::runtime_error("cannot write " + options.Output);
+        io::WriteStreamAtomically(options.Output, [&](std::ostream& out) { WriteQuads(out, *units); });
     }
     if (!options.Svg.empty()) WriteSvg(options.Svg, loops, *columns);
     const int quads = units->Count() == 0 ? 0 : units->First().Points2D.Count() / 4;
-    std::fprintf(stderr, "quads: %d, columns: %d, area covered: %.12g, time: %.3f ms\n", quads, columns->Count(),
-                 Area(*units), ms);
+    if (verbosity != TVerbosity::Quiet)
+        std::fprintf(stderr, "quads: %d, columns: %d, area covered: %.12g, time: %.3f ms\n", quads, columns->Count(),
+                     Area(*units), ms);
+    return kExitDone;
 }
 
 }  // namespace
 
-void AddQuadsCommand(CLI::App& app)
+void AddQuadsCommand(CLI::App& app, TToolRun& tool)
 {
     auto options = std::make_shared<TQuadsOptions>();
     CLI::App* cmd = app.add_subcommand("quads", "Split a region with holes into the quads of the quad tool");
     cmd->add_option("file", options->Input,
                     "Polylines: blocks of \"x y\" lines split by blank lines, the outer boundary first "
                     "(default: a built-in region)");
-    cmd->add_option("--xtol", options->XTol, "Column spacing along X")->capture_default_str();
-    cmd->add_option("--ytol", options->YTol, "Row spacing along Y")->capture_default_str();
-    cmd->add_option("-o,--output", options->Output, "Text file for the quads (default: standard output)");
-    cmd->add_option("--svg", options->Svg, "SVG picture: quads outlined, columns shaded alternately");
-    cmd->callback([options] { RunQuads(*options); });
+    AddNumber(*cmd, "--xtol", options->XTol, 0.0, 1e300, "Column spacing along X, in the region's units")
+        ->capture_default_str();
+    AddNumber(*cmd, "--ytol", options->YTol, 0.0, 1e300, "Row spacing along Y, in the region's units")
+        ->capture_default_str();
+    AddOutput(*cmd, "-o,--output", options->Output, {}, "Text file for the quads (default: standard output)");
+    AddOutput(*cmd, "--svg", options->Svg, {".svg"}, "SVG picture: quads outlined, columns shaded alternately");
+    cmd->callback([options, &tool] { tool.Command = [options, &tool] { return RunQuads(*options, tool.Verbosity); }; });
 }
 
 }  // namespace orvane::tools

@@ -1,6 +1,7 @@
-// orvane render SHAPE [SHAPE...] -o out.png [--size WxH] [--view iso|front|top|side]: built-in
-// surfaces tessellated by the quad road, merged and uploaded as a host does it, drawn side by
-// side in a headless GL context and written as PNG.
+// orvane render SHAPE|FILE [SHAPE|FILE...] -o out.png [--size WxH] [--view iso|front|top|side]
+// and the options of `mesh`: built-in surfaces and IGES or STEP files tessellated (the files as
+// `mesh` does it), merged and uploaded as a host does it, drawn side by side in a headless GL
+// context and written as PNG.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "contracts/Shapes.h"
+#include "io/AtomicFile.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 #include "tools/CadFileTools.h"
 #include "tools/Commands.h"
@@ -25,9 +27,13 @@ namespace {
 struct TRenderOptions {
     std::vector<std::string> Shapes;
     std::string Output;
-    std::string Size = "960x640";
+    TCadOptions Cad;
     std::string View = "iso";
 };
+
+// Bytes of memory a pixel of the picture takes: four samples (drawn at twice the size each
+// way) of colour and depth on the card and read back, the picture and its PNG rows.
+constexpr double kBytesPerPixel = 64.0;
 
 // Colours for the shapes in turn, 00BBGGRR: sky blue, coral, leaf green, gold, lavender, aqua.
 // Light ones: the lighting model is a metallic one and darkens what it does not reflect.
@@ -47,18 +53,9 @@ const std::map<std::string, TSceneView>& Views()
     return views;
 }
 
-void ParseSize(const std::string& text, int& width, int& height)
+TSceneMesh Tessellate(const std::string& name, const TCadRun& run, int& code)
 {
-    char x = 0;
-    char rest = 0;
-    if (std::sscanf(text.c_str(), "%d%c%d%c", &width, &x, &height, &rest) != 3 || (x != 'x' && x != 'X') ||
-        width <= 0 || height <= 0 || width > 8192 || height > 8192)
-        throw std::runtime_error("--size wants WIDTHxHEIGHT, each 1 to 8192, not \"" + text + "\"");
-}
-
-TSceneMesh Tessellate(const std::string& name)
-{
-    if (IsCadFileName(name)) return CadSceneMesh(name);
+    if (IsCadFileName(name)) return run.SceneMesh(name, code);
     std::unique_ptr<TGeSurface> surface;
     try {
         surface = MakeShape(name);
@@ -108,16 +105,31 @@ void LayOut(std::vector<TSceneMesh>& meshes, const TSceneView& view)
     }
 }
 
-void Run(const TRenderOptions& options)
+void CheckOptions(const CLI::App& command, const TRenderOptions& options, const TCadRun& run)
 {
-    int width = 0, height = 0;
-    ParseSize(options.Size, width, height);
-    const auto view = Views().find(options.View);
-    if (view == Views().end()) throw std::runtime_error("--view is one of iso, front, side, top");
+    CheckCadOptions(command, options.Cad, true);
+    if (std::none_of(options.Shapes.begin(), options.Shapes.end(), IsCadFileName))
+        RefuseOptions(command, {"--tolerance", "--road", "--time-limit", "--unit"},
+                      "applies to IGES and STEP files; only built-in shapes are drawn");
+    const double bytes = kBytesPerPixel * options.Cad.Size.Width * options.Cad.Size.Height;
+    if (bytes > run.MaxBytes())
+        throw std::runtime_error("the picture " + std::to_string(options.Cad.Size.Width) + "x" +
+                                 std::to_string(options.Cad.Size.Height) + " needs about " + Number(bytes / 1048576.0) +
+                                 " MiB, " + Number(bytes / run.MaxBytes()) + " times the --max-memory " +
+                                 Number(options.Cad.MaxMemoryMiB) + " MiB");
+    for (const std::string& shape : options.Shapes) io::RefuseToWriteOverInputs(options.Output, {shape});
+}
 
+int Run(const CLI::App& command, const TRenderOptions& options, TVerbosity verbosity)
+{
+    const TCadRun run(options.Cad, verbosity, options.Output);
+    CheckOptions(command, options, run);
+    const int width = options.Cad.Size.Width, height = options.Cad.Size.Height;
+    const auto view = Views().find(options.View);
+    int code = kExitDone;
     std::vector<TSceneMesh> meshes;
     for (std::size_t i = 0; i < options.Shapes.size(); ++i) {
-        meshes.push_back(Tessellate(options.Shapes[i]));
+        meshes.push_back(Tessellate(options.Shapes[i], run, code));
         meshes.back().Color = kPalette[i % std::size(kPalette)];
     }
     if (meshes.size() > 1) LayOut(meshes, view->second);
@@ -126,24 +138,30 @@ void Run(const TRenderOptions& options)
     int triangles = 0;
     for (const TSceneMesh& mesh : meshes) triangles += renderer.AddMesh(mesh);
     WritePng(options.Output, width, height, renderer.Render(view->second));
+    if (verbosity == TVerbosity::Quiet) return code;
     std::printf("%d shape%s, %d triangles, %zu vertices after merging -> %s (%dx%d)\n", renderer.MeshCount(),
                 renderer.MeshCount() == 1 ? "" : "s", triangles, renderer.VertexCount(), options.Output.c_str(), width,
                 height);
+    return code;
 }
 
 }  // namespace
 
-void AddRenderCommand(CLI::App& app)
+void AddRenderCommand(CLI::App& app, TToolRun& tool)
 {
     auto options = std::make_shared<TRenderOptions>();
-    CLI::App* render =
-        app.add_subcommand("render", "Tessellate built-in shapes by the quad road and draw them as PNG");
+    options->Cad.Size = {960, 640};
+    CLI::App* render = app.add_subcommand(
+        "render", "Tessellate built-in shapes and IGES or STEP files (as mesh does) and draw them side by side as PNG");
     render->add_option("shapes", options->Shapes, "Shape names (see orvane shapes) or IGES/STEP files, drawn side by side")
         ->required();
-    render->add_option("-o,--output", options->Output, "The PNG file to write")->required();
-    render->add_option("--size", options->Size, "Picture size WIDTHxHEIGHT")->capture_default_str();
-    render->add_option("--view", options->View, "iso, front, side or top")->capture_default_str();
-    render->callback([options] { Run(*options); });
+    AddOutput(*render, "-o,--output", options->Output, {".png"}, "The PNG file to write")->required();
+    AddCadOptions(*render, options->Cad,
+                  "the picture WIDTHxHEIGHT in pixels; on the glu road also the view GLU samples files in");
+    AddChoice(*render, "--view", options->View, {"iso", "front", "side", "top"}, "Where the picture looks from");
+    render->callback([render, options, &tool] {
+        tool.Command = [render, options, &tool] { return Run(*render, *options, tool.Verbosity); };
+    });
 }
 
 }  // namespace orvane::tools

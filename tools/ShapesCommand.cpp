@@ -3,7 +3,6 @@
 // its UV domain.
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "contracts/Shapes.h"
 #include "contracts/SurfaceArea.h"
+#include "io/AtomicFile.h"
 #include "tools/Commands.h"
 
 namespace orvane::tools {
@@ -78,11 +78,10 @@ void WriteSvg(const std::string& Name, const std::string& File)
     for (int i = 0; i < t->GetInnerBoundaryCount(); ++i)
         AppendLoop(svg, *t->GetInnerBoundary(i).GetCurve(), "#c0392b", d, scale);
     svg += "</svg>\n";
-    std::ofstream out(File, std::ios::binary);
-    if (!(out << svg)) throw std::runtime_error("cannot write " + File);
+    io::WriteStreamAtomically(File, [&](std::ostream& out) { out << svg; });
 }
 
-void RunShapes(const TShapesOptions& AOptions)
+int RunShapes(const TShapesOptions& AOptions)
 {
     try {
         const std::vector<std::string> names =
@@ -94,19 +93,20 @@ void RunShapes(const TShapesOptions& AOptions)
     } catch (const Exception& e) {
         throw std::runtime_error(e.Message());
     }
+    return kExitDone;
 }
 
 }  // namespace
 
-void AddShapesCommand(CLI::App& app)
+void AddShapesCommand(CLI::App& app, TToolRun& tool)
 {
     auto options = std::make_shared<TShapesOptions>();
     CLI::App* shapes = app.add_subcommand(
         "shapes", "List the shape library: degrees, control points, rational, trimmed, area by quadrature");
     shapes->add_option("--shape", options->Shape, "Only this shape");
-    shapes->add_option("--svg", options->Svg, "Draw the trim loops of the --shape in UV into this SVG file")
+    AddOutput(*shapes, "--svg", options->Svg, {".svg"}, "Draw the trim loops of the --shape in UV into this SVG file")
         ->needs(shapes->get_option("--shape"));
-    shapes->callback([options] { RunShapes(*options); });
+    shapes->callback([options, &tool] { tool.Command = [options] { return RunShapes(*options); }; });
 }
 
 }  // namespace orvane::tools
