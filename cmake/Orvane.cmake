@@ -12,18 +12,33 @@ if(ORVANE_SANITIZE)
   add_link_options(${ORVANE_SAN_FLAGS})
 endif()
 
-find_package(GTest REQUIRED)
-include(GoogleTest)
+if(ORVANE_TESTS)
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+endif()
 
 # orvane_add_library(<folder> [DEPS targets...] [SYSTEM_DEPS targets...])
-# Builds every .cpp of the folder into the static library orvane_<folder>.
+# Builds every .cpp of the folder into the static library orvane_<folder>, with hidden symbols:
+# only what a header marks ORVANE_API leaves liborvane, which is made of these objects.
+# A folder beside the system's own (io/) reaches the system through its consumer's choice: the
+# shared library where the consumer sets ORVANE_LINK_SHARED, else the static folder libraries,
+# so that one program never holds two copies of the system's state.
 function(orvane_add_library folder)
   cmake_parse_arguments(ARG "" "" "DEPS;SYSTEM_DEPS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   add_library(orvane_${folder} STATIC ${sources})
-  target_include_directories(orvane_${folder} PUBLIC ${PROJECT_SOURCE_DIR})
+  set_target_properties(orvane_${folder} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  target_include_directories(orvane_${folder} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_compile_options(orvane_${folder} PRIVATE ${ORVANE_WARNINGS})
-  target_link_libraries(orvane_${folder} PUBLIC ${ARG_DEPS} ${ARG_SYSTEM_DEPS})
+  if(folder IN_LIST ORVANE_SYSTEM_FOLDERS)
+    target_link_libraries(orvane_${folder} PUBLIC ${ARG_DEPS} ${ARG_SYSTEM_DEPS})
+  else()
+    foreach(dep IN LISTS ARG_DEPS)
+      target_link_libraries(orvane_${folder} PUBLIC
+          "$<IF:$<BOOL:$<TARGET_PROPERTY:ORVANE_LINK_SHARED>>,orvane_shared,${dep}>")
+    endforeach()
+    target_link_libraries(orvane_${folder} PUBLIC ${ARG_SYSTEM_DEPS})
+  endif()
 endfunction()
 
 # orvane_add_tests(<folder> [DEPS targets...])
