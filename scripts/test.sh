@@ -16,6 +16,18 @@ bash scripts/build.sh build/release -DORVANE_WERROR=ON -DCMAKE_CXX_FLAGS_RELWITH
 echo "== tests: release"
 ctest --test-dir build/release --output-on-failure --parallel "$(nproc)" --timeout 300
 
+echo "== install: a host built against the installed package alone"
+# The release build installed into an empty prefix; examples/host finds it through
+# find_package(Orvane) only, and draws a trimmed surface into a picture.
+stage=$(mktemp -d)
+trap 'rm -rf "$stage"' EXIT
+cmake --install build/release --prefix "$stage/prefix" > /dev/null
+PKG_CONFIG_PATH="$stage/prefix/lib/pkgconfig" pkg-config --libs orvane
+cmake -S examples/host -B "$stage/host" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS=-Werror \
+    -DCMAKE_PREFIX_PATH="$stage/prefix" > /dev/null
+cmake --build "$stage/host"
+"$stage/host/orvane_host" "$stage/host.png"
+
 echo "== build: sanitizers"
 bash scripts/build.sh build/sanitize -DCMAKE_BUILD_TYPE=Debug -DORVANE_WERROR=ON -DORVANE_SANITIZE=ON -DORVANE_BENCH=OFF
 echo "== tests: sanitizers"
