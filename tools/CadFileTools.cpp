@@ -20,9 +20,17 @@ std::string Lower(std::string s)
     return s;
 }
 
-std::string Millions(double n)
+// A count as a person reads it: 52, 63930, 6.175 million.
+std::string Count(double n)
 {
-    return n >= 1e6 ? Number(n / 1e6) + " million" : Number(n);
+    char text[32];
+    std::snprintf(text, sizeof text, n >= 1e6 ? "%.4g million" : "%.0f", n >= 1e6 ? n / 1e6 : n);
+    return text;
+}
+
+std::string Times(double ratio)
+{
+    return ratio < 1000.0 ? Number(ratio) : Count(ratio);
 }
 
 // The child's own limit is a little longer than what is left of the run: the run's deadline
@@ -84,8 +92,8 @@ io::ModelMesh TCadRun::Mesh(const io::CadModelData& Model, const std::string& Pa
                                     : "at tolerance " + Number(settings.Tolerance > 0 ? settings.Tolerance
                                                                                       : io::DefaultTolerance(Model)) +
                                           " " + Model.Unit;
-        throw std::runtime_error(Path + ": the mesh needs about " + Millions(e.Needed) + " triangles " + how + ", " +
-                                 Number(e.Needed / e.Allowed) + " times the " + Millions(e.Allowed) +
+        throw std::runtime_error(Path + ": the mesh needs about " + Count(e.Needed) + " triangles " + how + ", " +
+                                 Times(e.Needed / e.Allowed) + " times the " + Count(e.Allowed) +
                                  " that --max-memory " + Number(FOptions.MaxMemoryMiB) + " MiB allows");
     }
     bar.Finish();

@@ -114,7 +114,7 @@ void CheckOptions(const CLI::App& command, const TRenderOptions& options, const 
     const double bytes = kBytesPerPixel * options.Cad.Size.Width * options.Cad.Size.Height;
     if (bytes > run.MaxBytes())
         throw std::runtime_error("the picture " + std::to_string(options.Cad.Size.Width) + "x" +
-                                 std::to_string(options.Cad.Size.Height) + " needs about " + Number(bytes / 1048576.0) +
+                                 std::to_string(options.Cad.Size.Height) + " needs about " + std::to_string(static_cast<long long>(bytes / 1048576.0)) +
                                  " MiB, " + Number(bytes / run.MaxBytes()) + " times the --max-memory " +
                                  Number(options.Cad.MaxMemoryMiB) + " MiB");
     for (const std::string& shape : options.Shapes) io::RefuseToWriteOverInputs(options.Output, {shape});
