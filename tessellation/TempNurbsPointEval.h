@@ -23,12 +23,11 @@ public:
     // The P + 1 basis functions of Span at U (The NURBS Book, A2.2), or a single 1 at the end
     // of the span where U lies outside the tolerance band.
     std::vector<double> BasisFunctions(int Span, double U, int P, const std::vector<double>& K) const;
-
-private:
     // The same into N (P + 1 doubles), with Left and Right scratch of P + 2 doubles each.
     void BasisFunctionsInto(int Span, double U, int P, const std::vector<double>& K, double* N, double* Left,
                             double* Right) const;
 
+private:
     double FSampleTolerance;
 };
 

@@ -24,9 +24,10 @@ void TQuadSurfaceTriangulator::GetVertexNormalDataFromViewUnit(const TViewUnitLi
 {
     Tri.clear();
     Norm.clear();
+    TSurfacePoints points = SurfacePointsOf(Units, GeSurf);
     for (const TViewUnit& unit : Units) {
-        const TPointList vertices = GetVertexList(unit, GeSurf);
-        const TPointList normals = GetNormalList(GeSurf, *vertices, unit);
+        const TPointList vertices = GetVertexList(unit, points);
+        const TPointList normals = GetNormalList(points, *vertices, unit);
         TDynGLFloat glVert;
         TDynGLFloat glNorm;
         TTriangleArrays::TriangulateAndTransformToGLArray(unit.DrawMode, *vertices, *normals, glVert, glNorm);

@@ -5,7 +5,6 @@
 #include "contracts/AppSystem.h"
 #include "tessellation/QuadNormals.h"
 #include "tessellation/SurfaceTriangulatorChecker.h"
-#include "tessellation/TempNurbsPointEval.h"
 
 namespace orvane {
 
@@ -16,20 +15,6 @@ constexpr const char* kUnitName = "uTessQuadsTriangulator";
 bool IsNaNPoint(const TPoint3D& P)
 {
     return std::isnan(P.X) || std::isnan(P.Y) || std::isnan(P.Z);
-}
-
-// The NURBS surface every surface class ends in, or nullptr.
-const TGeNurbsSurface* FindNurbsSurface(const TGeSurface* GeSurf)
-{
-    if (auto* trimmed = dynamic_cast<const TGeTrimmedSurface*>(GeSurf)) {
-        const TGeSurface* base = trimmed->GetSurface();
-        if (auto* nurbs = dynamic_cast<const TGeNurbsSurface*>(base)) return nurbs;
-        if (auto* ext = dynamic_cast<const TGeNurbsSurfaceExt*>(base)) return ext->Surface;
-        return nullptr;
-    }
-    if (auto* nurbs = dynamic_cast<const TGeNurbsSurface*>(GeSurf)) return nurbs;
-    if (auto* ext = dynamic_cast<const TGeNurbsSurfaceExt*>(GeSurf)) return ext->Surface;
-    return nullptr;
 }
 
 void AppendPoints(const TList<TPoint3D>& Points, TFloatDynArray& Array)
@@ -92,21 +77,33 @@ void TQuadSurfaceTriangulator::GetVertexNormalDataQuadsFromViewUnit(const TViewU
 {
     Tri.clear();
     Norm.clear();
+    TSurfacePoints points = SurfacePointsOf(Units, GeSurf);
     for (const TViewUnit& unit : Units) {
-        const TPointList vertices = GetVertexList(unit, GeSurf);
-        const TPointList normals = GetNormalList(GeSurf, *vertices, unit);
+        const TPointList vertices = GetVertexList(unit, points);
+        const TPointList normals = GetNormalList(points, *vertices, unit);
         AppendPoints(*vertices, Tri);
         AppendPoints(*normals, Norm);
     }
 }
 
+// Every point a unit names, and three for each surface normal. Every surface class ends in the
+// same evaluator; trim curves play no part once the quads exist, and seams and poles evaluate
+// like any other point.
+TSurfacePoints TQuadSurfaceTriangulator::SurfacePointsOf(const TViewUnitList& Units, const TGeSurface* GeSurf) const
+{
+    std::size_t expected = 0;
+    for (const TViewUnit& unit : Units) expected += static_cast<std::size_t>(unit.Points2D.Count()) + 6;
+    // For UDir the plane's X is V and its Y is U.
+    return TSurfacePoints(*GeSurf, FSampleTolerance, FExtrusionType == TExtrusionType::UDir, expected);
+}
+
 // A NaN vertex drops its whole unit.
 TQuadSurfaceTriangulator::TPointList TQuadSurfaceTriangulator::GetVertexList(const TViewUnit& Unit,
-                                                                             const TGeSurface* GeSurf) const
+                                                                             TSurfacePoints& Points) const
 {
     auto vertices = std::make_unique<TList<TPoint3D>>();
     for (const TPoint2D& uv : Unit.Points2D) {
-        const TPoint3D p = GetPoint3DOfPoint2DUV(uv, GeSurf);
+        const TPoint3D p = Points.At(uv);
         if (IsNaNPoint(p)) {
             vertices->Clear();
             break;
@@ -114,18 +111,6 @@ TQuadSurfaceTriangulator::TPointList TQuadSurfaceTriangulator::GetVertexList(con
         vertices->Add(p);
     }
     return vertices;
-}
-
-// Every surface class ends in the same evaluator; trim curves play no part once the quads
-// exist, and seams and poles evaluate like any other point.
-TPoint3D TQuadSurfaceTriangulator::GetPoint3DOfPoint2DUV(const TPoint2D& P, const TGeSurface* GeSurf) const
-{
-    const TGeNurbsSurface* nurbs = FindNurbsSurface(GeSurf);
-    Assert(nurbs != nullptr, "TessQuadsTriangulator, GetPoint3D can not get GeNurbsSurface");
-    const TTempNurbsPointEval eval(FSampleTolerance);
-    // For UDir the plane's X is V and its Y is U.
-    if (FExtrusionType == TExtrusionType::UDir) return eval.EvalPointOnNurbsSurface(*nurbs, {P.Y, P.X});
-    return eval.EvalPointOnNurbsSurface(*nurbs, P);
 }
 
 void StartUnit_uTessQuadsTriangulator()

@@ -16,6 +16,7 @@
 #include "immediate/zqglTypes.h"
 #include "tessellation/ExtrusionType.h"
 #include "tessellation/IGeSurfaceTriangulator.h"
+#include "tessellation/SurfacePoints.h"
 #include "tessellation/TessQuadsInvoker.h"
 
 namespace orvane {
@@ -55,14 +56,15 @@ private:
     void DoQuadrilateral(const TGeSurface* GeSurf, TFloatDynArray& Tri, TFloatDynArray& Norm);
     void GetVertexNormalDataQuadsFromViewUnit(const TViewUnitList& Units, TFloatDynArray& Tri, TFloatDynArray& Norm,
                                               const TGeSurface* GeSurf);
-    TPointList GetVertexList(const TViewUnit& Unit, const TGeSurface* GeSurf) const;
-    TPoint3D GetPoint3DOfPoint2DUV(const TPoint2D& P, const TGeSurface* GeSurf) const;
+    // The points of GeSurf for one call over Units.
+    TSurfacePoints SurfacePointsOf(const TViewUnitList& Units, const TGeSurface* GeSurf) const;
+    TPointList GetVertexList(const TViewUnit& Unit, TSurfacePoints& Points) const;
 
     // Normals by surface type.
-    TPointList GetNormalList(const TGeSurface* GeSurf, const TList<TPoint3D>& Vertices, const TViewUnit& Unit) const;
-    TPointList GetNormalListBySurface(const TGeSurface* GeSurf, int Count, const TPoint2D& P) const;
-    TPoint3D CalcSurfaceNormal(const TGeSurface* GeSurf, const TPoint2D& P) const;
-    void FixNormalListAtCurve(TList<TPoint3D>& N, const TViewUnit& Unit, const TGeSurface* GeSurf) const;
+    TPointList GetNormalList(TSurfacePoints& Points, const TList<TPoint3D>& Vertices, const TViewUnit& Unit) const;
+    TPointList GetNormalListBySurface(TSurfacePoints& Points, int Count, const TPoint2D& P) const;
+    TPoint3D CalcSurfaceNormal(TSurfacePoints& Points, const TPoint2D& P) const;
+    void FixNormalListAtCurve(TList<TPoint3D>& N, const TViewUnit& Unit, TSurfacePoints& Points) const;
 
     // The triangle road.
     void DoTriangulate(const TGeSurface* GeSurf, TFloatDynArray& Tri, TFloatDynArray& Norm);
