@@ -17,6 +17,7 @@
 
 #include "contracts/TessQuadsTool.h"
 #include "io/AtomicFile.h"
+#include "io/Printable.h"
 #include "tools/Commands.h"
 
 namespace orvane::tools {
@@ -60,7 +61,7 @@ TPoint2D ParsePoint(const std::string& line, const std::string& where)
     const double y = std::strtod(afterX, &end);
     while (*end == ' ' || *end == '\t' || *end == '\r') ++end;
     if (afterX == text || end == afterX || *end != '\0')
-        throw std::runtime_error(where + ": expected two numbers \"x y\", got \"" + line + "\"");
+        throw std::runtime_error(where + ": expected two numbers \"x y\", got \"" + io::Printable(line) + "\"");
     return {x, y};
 }
 
