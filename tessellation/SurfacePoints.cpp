@@ -119,15 +119,25 @@ TPoint3D TSurfacePoints::At(const TPoint2D& P)
     if (!FNurbs) Load();
     const double u = FSwapXY ? P.Y : P.X;
     const double v = FSwapXY ? P.X : P.Y;
-    const TKeyIndex::TFound found = FKeys.Find(Bits(u), Bits(v));
-    if (!found.New) return FPoints[found.Index];
-    const TGeNurbsSurface& s = *FNurbs;
-    const double* nu = nullptr;
-    const double* nv = nullptr;
-    const int spanU = FLinesU.Span(u, s.KnotsU, s.DegreeU, FSampleTolerance, nu);
-    const int spanV = FLinesV.Span(v, s.KnotsV, s.DegreeV, FSampleTolerance, nv);
-    FPoints.push_back(Evaluate(spanU, nu, spanV, nv));
-    return FPoints.back();
+    return FPoints[IndexOf(Bits(u), Bits(v))];
+}
+
+std::uint32_t TSurfacePoints::IndexOf(std::uint64_t U, std::uint64_t V)
+{
+    for (const TRecent& r : FRecent)
+        if (r.U == U && r.V == V && r.Index != 0xffffffffu) return r.Index;
+    const TKeyIndex::TFound found = FKeys.Find(U, V);
+    if (found.New) {
+        const TGeNurbsSurface& s = *FNurbs;
+        const double* nu = nullptr;
+        const double* nv = nullptr;
+        const int spanU = FLinesU.Span(std::bit_cast<double>(U), s.KnotsU, s.DegreeU, FSampleTolerance, nu);
+        const int spanV = FLinesV.Span(std::bit_cast<double>(V), s.KnotsV, s.DegreeV, FSampleTolerance, nv);
+        FPoints.push_back(Evaluate(spanU, nu, spanV, nv));
+    }
+    FRecent[FNextRecent] = {U, V, found.Index};
+    FNextRecent = (FNextRecent + 1) % kRecent;
+    return found.Index;
 }
 
 // Row by row of V, as the point evaluator sums.

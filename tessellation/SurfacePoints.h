@@ -67,7 +67,16 @@ private:
         std::vector<double> FScratch;
     };
 
+    // The last points asked for: a quad mostly repeats two corners of the one before it.
+    struct TRecent {
+        std::uint64_t U = 0;
+        std::uint64_t V = 0;
+        std::uint32_t Index = 0xffffffffu;
+    };
+    static constexpr std::size_t kRecent = 4;
+
     void Load();
+    std::uint32_t IndexOf(std::uint64_t U, std::uint64_t V);
     TPoint3D Evaluate(int SpanU, const double* Nu, int SpanV, const double* Nv) const;
 
     const TGeSurface& FSurface;
@@ -80,6 +89,8 @@ private:
     TBasisLines FLinesV;
     TKeyIndex FKeys;
     std::vector<TPoint3D> FPoints;
+    TRecent FRecent[kRecent];
+    std::size_t FNextRecent = 0;
 };
 
 }  // namespace orvane

@@ -23,6 +23,10 @@ public:
     // triangles, 9 floats each; a quad P0..P3 becomes P0 P1 P2 and P0 P2 P3. A DrawMode the
     // recorder cannot convert raises its "Error Message".
     static void TriangulateVertexAndNormal(Cardinal DrawMode, TDynGLFloat& Vertices, TDynGLFloat& Normals);
+    // The triangles of TriangulateAndTransformToGLArray, widened again and added to Tri and
+    // Norm; quads are split here directly, without the recorder's buffers.
+    static void AppendTriangles(Cardinal DrawMode, const TList<TPoint3D>& Vertices, const TList<TPoint3D>& Normals,
+                                TFloatDynArray& Tri, TFloatDynArray& Norm);
 };
 
 }  // namespace orvane

@@ -28,11 +28,7 @@ void TQuadSurfaceTriangulator::GetVertexNormalDataFromViewUnit(const TViewUnitLi
     for (const TViewUnit& unit : Units) {
         const TPointList vertices = GetVertexList(unit, points);
         const TPointList normals = GetNormalList(points, *vertices, unit);
-        TDynGLFloat glVert;
-        TDynGLFloat glNorm;
-        TTriangleArrays::TriangulateAndTransformToGLArray(unit.DrawMode, *vertices, *normals, glVert, glNorm);
-        Tri.insert(Tri.end(), glVert.begin(), glVert.end());
-        Norm.insert(Norm.end(), glNorm.begin(), glNorm.end());
+        TTriangleArrays::AppendTriangles(unit.DrawMode, *vertices, *normals, Tri, Norm);
     }
 }
 

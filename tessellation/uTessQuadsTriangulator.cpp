@@ -91,8 +91,9 @@ void TQuadSurfaceTriangulator::GetVertexNormalDataQuadsFromViewUnit(const TViewU
 // like any other point.
 TSurfacePoints TQuadSurfaceTriangulator::SurfacePointsOf(const TViewUnitList& Units, const TGeSurface* GeSurf) const
 {
+    // Most quad corners are shared by four quads.
     std::size_t expected = 0;
-    for (const TViewUnit& unit : Units) expected += static_cast<std::size_t>(unit.Points2D.Count()) + 6;
+    for (const TViewUnit& unit : Units) expected += static_cast<std::size_t>(unit.Points2D.Count()) / 4 + 6;
     // For UDir the plane's X is V and its Y is U.
     return TSurfacePoints(*GeSurf, FSampleTolerance, FExtrusionType == TExtrusionType::UDir, expected);
 }
