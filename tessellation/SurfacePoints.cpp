@@ -32,10 +32,16 @@ std::uint64_t Bits(double X)
 
 TKeyIndex::TKeyIndex(std::size_t Expected) : FSlots(std::bit_ceil(2 * Expected + 16)) {}
 
+// Parameters such as 0.25 end in zero bits: every bit of both words is mixed into the low
+// bits that pick the slot (the finaliser of MurmurHash3).
 std::size_t TKeyIndex::Home(std::uint64_t A, std::uint64_t B) const
 {
-    std::uint64_t h = (A ^ (B * 0x9e3779b97f4a7c15ULL)) * 0xbf58476d1ce4e5b9ULL;
-    h ^= h >> 31;
+    std::uint64_t h = A ^ std::rotl(B, 32);
+    h ^= h >> 33;
+    h *= 0xff51afd7ed558ccdULL;
+    h ^= h >> 33;
+    h *= 0xc4ceb9fe1a85ec53ULL;
+    h ^= h >> 33;
     return static_cast<std::size_t>(h) & (FSlots.size() - 1);
 }
 
