@@ -1,5 +1,7 @@
 #include "tessellation/QuadNormals.h"
 
+#include <cmath>
+
 namespace orvane {
 
 namespace {
@@ -7,9 +9,33 @@ namespace {
 constexpr const char* kUnitName = "uTessQuadsTriangulator";
 constexpr double kZeroTol = 1e-6;
 
+// TPoint3D's Length, Normal, CrossMul and Equals with the same arithmetic, where the compiler can see
+// it: every quad needs several.
+double LengthOf(const TPoint3D& P)
+{
+    return std::sqrt(P.X * P.X + P.Y * P.Y + P.Z * P.Z);
+}
+
+TPoint3D UnitOf(const TPoint3D& P)
+{
+    const double len = LengthOf(P);
+    if (!(len >= TPoint3D::kNormalMinLength)) return TPoint3D::FZero;
+    return P / len;
+}
+
+TPoint3D Cross(const TPoint3D& A, const TPoint3D& B)
+{
+    return {A.Y * B.Z - A.Z * B.Y, A.Z * B.X - A.X * B.Z, A.X * B.Y - A.Y * B.X};
+}
+
+bool Near(const TPoint3D& A, const TPoint3D& B)
+{
+    return LengthOf(B - A) <= kZeroTol;
+}
+
 bool IsZero(const TPoint3D& P)
 {
-    return P.Equals(TPoint3D::FZero, kZeroTol);
+    return LengthOf(P) <= kZeroTol;
 }
 
 // The run bookkeeping over one normal list of C entries.
@@ -21,7 +47,7 @@ public:
     // Quads at I and J share the normals of their points 0 and 1.
     bool IsSameQuadNormal(int I, int J) const
     {
-        return N[I].Equals(N[J], kZeroTol) && N[I + 1].Equals(N[J + 1], kZeroTol);
+        return Near(N[I], N[J]) && Near(N[I + 1], N[J + 1]);
     }
     // The first quad behind the run that starts at I.
     int FindRunEnd(int I) const
@@ -46,7 +72,7 @@ public:
 
 TPoint3D TQuadNormals::CalcNormal(const TPoint3D& A, const TPoint3D& B, const TPoint3D& C)
 {
-    return (B - A).Normal().CrossMul(C - A).Normal();
+    return UnitOf(Cross(UnitOf(B - A), C - A));
 }
 
 TPoint3D TQuadNormals::CalcNormal(const TPoint3D& P0, const TPoint3D& P1, const TPoint3D& P2, const TPoint3D& P3)

@@ -10,7 +10,7 @@ namespace orvane {
 namespace {
 
 constexpr const char* kUnitName = "uTessQuadsTriangulator";
-constexpr std::size_t kExpectedLines = 64;
+constexpr std::size_t kExpectedLines = 8;
 
 // The NURBS surface every surface class ends in, or nullptr.
 const TGeNurbsSurface* FindNurbsSurface(const TGeSurface* GeSurf)
@@ -83,7 +83,7 @@ int TSurfacePoints::TBasisLines::Span(double Value, const std::vector<double>& K
         const int span = TTempNurbsPointEval::FindKnotSpan(Value, Knots, Degree);
         FSpans.push_back(span);
         FValues.resize(FValues.size() + width);
-        FScratch.resize(2 * (width + 1));
+        if (FScratch.empty()) FScratch.resize(2 * (width + 1));
         TTempNurbsPointEval(SampleTolerance)
             .BasisFunctionsInto(span, Value, Degree, Knots, FValues.data() + FValues.size() - width, FScratch.data(),
                                 FScratch.data() + width + 1);

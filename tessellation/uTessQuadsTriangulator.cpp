@@ -93,7 +93,7 @@ TSurfacePoints TQuadSurfaceTriangulator::SurfacePointsOf(const TViewUnitList& Un
 {
     // Most quad corners are shared by four quads.
     std::size_t expected = 0;
-    for (const TViewUnit& unit : Units) expected += static_cast<std::size_t>(unit.Points2D.Count()) / 4 + 6;
+    for (const TViewUnit& unit : Units) expected += static_cast<std::size_t>(unit.Points2D.Count()) / 4 + 3;
     // For UDir the plane's X is V and its Y is U.
     return TSurfacePoints(*GeSurf, FSampleTolerance, FExtrusionType == TExtrusionType::UDir, expected);
 }
