@@ -68,13 +68,14 @@ TEST(GLBufferObjects, BindUploadAndDeleteEachNameOnce)
         vbo.BufferData(data, 12, GL_STATIC_DRAW);
         vbo.BufferSubData(data, 8, 16);  // beyond the store: GL's business, the size stays
         EXPECT_EQ(vbo.Size(), 12);
+        vbo.UnBind();
         vao.DestroyHandle();
     }
     EXPECT_EQ(gl.Rec.Texts(),
               (Texts{"glBindVertexArray(0)", "glBindBuffer(34963, 0)", "glGenVertexArrays(1, ptr)",
                      "glGenBuffers(1, ptr)", "glBindBuffer(34962, 4)", "glBufferData(34962, 24, ptr, 35044)",
                      "glBufferData(34962, 0, nil, 35044)", "glBufferData(34962, 12, ptr, 35044)",
-                     "glBufferSubData(34962, 8, 16, ptr)", "glDeleteVertexArrays(1, ptr)", "glDeleteBuffers(1, ptr)"}));
+                     "glBufferSubData(34962, 8, 16, ptr)", "glBindBuffer(34962, 0)", "glDeleteVertexArrays(1, ptr)", "glDeleteBuffers(1, ptr)"}));
     EXPECT_EQ(gl.Deleted, (std::vector<GLuint>{3, 4}));
 }
 
