@@ -334,6 +334,7 @@ TEST(GluTrimCurves, CompositeLinksAndUVErrors)
 
     EXPECT_TRUE(TGLSurfaceTriangulator::IsSimpleSurface(*MakeGridSurface(1, 1, 2, 2, 1, 1)));
     EXPECT_FALSE(TGLSurfaceTriangulator::IsSimpleSurface(*MakeGridSurface(1, 1, 3, 2, 1, 1)));
+    EXPECT_FALSE(TGLSurfaceTriangulator::IsSimpleSurface(*MakeGridSurface(1, 1, 2, 3, 1, 1)));
     EXPECT_FALSE(TGLSurfaceTriangulator::IsSimpleSurface(*MakeGridSurface(2, 1, 3, 2, 1, 1)));
 }
 

@@ -137,11 +137,13 @@ TEST(zqglUtils, BezierCurvesRunOverZeroToSteps)
     EXPECT_EQ(rec.Calls()[0].Pointer(5), points.data());
 
     // Separate cubic curves of four points each; a last group of fewer points is not drawn.
-    rec.Clear();
     TDynPoints3D ten = points;
     ten.insert(ten.end(), {{8, 0, 0}, {9, 0, 0}});
-    zqglDrawBezierByFour(ten, 10);
-    EXPECT_THAT(rec.Texts(), ElementsAre(on, map + "4, ptr)", grid, eval, map + "4, ptr)", grid, eval, off));
+    for (const TDynPoints3D& drawn : {points, ten}) {
+        rec.Clear();
+        zqglDrawBezierByFour(drawn, 10);
+        EXPECT_THAT(rec.Texts(), ElementsAre(on, map + "4, ptr)", grid, eval, map + "4, ptr)", grid, eval, off)) << drawn.size();
+    }
 
     // No points: no call, so the map of an earlier curve is not drawn again.
     rec.Clear();

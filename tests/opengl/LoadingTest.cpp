@@ -281,6 +281,7 @@ TEST_F(LoadedGL, VersionFlagsAreThePrefixUpToTheParsedVersionGluFlagsLookAtTheMi
     const struct { const char* Version; std::size_t Count; const char* Last; const char* Glu; std::vector<bool> GluFlags; }
         cases[] = {{"5.0", 13, "GL_VERSION_4_0", "1.3", {true, true, true}},
                    {"4.6.0 NVIDIA 512.15", 19, "GL_VERSION_4_6", "1.2 Mesa", {true, true, false}},
+                   {"3.2", 11, "GL_VERSION_3_2", "1.1", {true, false, false}},
                    {"3.1 Mesa", 10, "GL_VERSION_3_1", "2.0", {true, false, false}},
                    {"2.0", 7, "GL_VERSION_2_0", "", {false, false, false}},  // gluGetString nil
                    {"1.3", 4, "GL_VERSION_1_3", "1.3", {true, true, true}},
