@@ -1,6 +1,7 @@
 #include "tessellation/QuadNormals.h"
 
 #include <cmath>
+#include <vector>
 
 namespace orvane {
 
@@ -89,13 +90,15 @@ TPoint3D TQuadNormals::CalcNormal(const TPoint3D& P0, const TPoint3D& P1, const 
 std::unique_ptr<TList<TPoint3D>> TQuadNormals::GetNormalListFromVertexList(const TList<TPoint3D>& Vertices)
 {
     Assert(Vertices.Count() % 4 == 0, "得到四边形划分数据不为4的倍数");
-    auto normals = std::make_unique<TList<TPoint3D>>();
-    for (int q = 0; q < Vertices.Count(); q += 4) {
-        TPoint3D n = CalcNormal(Vertices[q], Vertices[q + 1], Vertices[q + 2], Vertices[q + 3]);
-        if (IsZero(n) && !normals->IsEmpty()) n = normals->Last();
-        for (int k = 0; k < 4; ++k) normals->Add(n);
+    const std::vector<TPoint3D>& v = Vertices.Items();
+    std::vector<TPoint3D> normals;
+    normals.reserve(v.size());
+    for (std::size_t q = 0; q < v.size(); q += 4) {
+        TPoint3D n = CalcNormal(v[q], v[q + 1], v[q + 2], v[q + 3]);
+        if (IsZero(n) && !normals.empty()) n = normals.back();
+        normals.insert(normals.end(), 4, n);
     }
-    return normals;
+    return std::make_unique<TList<TPoint3D>>(std::move(normals));
 }
 
 // A run's two sides are written at different times, but its points 0 and 1 stay equal from

@@ -10,11 +10,12 @@ namespace {
 constexpr const char* kUnitName = "uTessQuadsTriangulator";
 
 // P rounded to single precision and widened again, as the arrays hold it.
-void AppendRounded(const TPoint3D& P, TFloatDynArray& Array)
+double* PutRounded(const TPoint3D& P, double* Out)
 {
-    Array.push_back(static_cast<float>(P.X));
-    Array.push_back(static_cast<float>(P.Y));
-    Array.push_back(static_cast<float>(P.Z));
+    *Out++ = static_cast<float>(P.X);
+    *Out++ = static_cast<float>(P.Y);
+    *Out++ = static_cast<float>(P.Z);
+    return Out;
 }
 
 }  // namespace
@@ -43,10 +44,15 @@ void TTriangleArrays::AppendTriangles(Cardinal DrawMode, const TList<TPoint3D>& 
     }
     const std::vector<TPoint3D>& v = Vertices.Items();
     const std::vector<TPoint3D>& n = Normals.Items();
+    const std::size_t added = 9 * v.size() / 2;
+    Tri.resize(Tri.size() + added);
+    Norm.resize(Norm.size() + added);
+    double* tri = Tri.data() + Tri.size() - added;
+    double* norm = Norm.data() + Norm.size() - added;
     for (std::size_t q = 0; q < v.size(); q += 4)
         for (const std::size_t k : {q, q + 1, q + 2, q, q + 2, q + 3}) {
-            AppendRounded(v[k], Tri);
-            AppendRounded(n[k], Norm);
+            tri = PutRounded(v[k], tri);
+            norm = PutRounded(n[k], norm);
         }
 }
 

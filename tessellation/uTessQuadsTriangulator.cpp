@@ -1,6 +1,7 @@
 #include "tessellation/uTessQuadsTriangulator.h"
 
 #include <cmath>
+#include <vector>
 
 #include "contracts/AppSystem.h"
 #include "tessellation/QuadNormals.h"
@@ -102,16 +103,17 @@ TSurfacePoints TQuadSurfaceTriangulator::SurfacePointsOf(const TViewUnitList& Un
 TQuadSurfaceTriangulator::TPointList TQuadSurfaceTriangulator::GetVertexList(const TViewUnit& Unit,
                                                                              TSurfacePoints& Points) const
 {
-    auto vertices = std::make_unique<TList<TPoint3D>>();
+    std::vector<TPoint3D> vertices;
+    vertices.reserve(static_cast<std::size_t>(Unit.Points2D.Count()));
     for (const TPoint2D& uv : Unit.Points2D) {
         const TPoint3D p = Points.At(uv);
         if (IsNaNPoint(p)) {
-            vertices->Clear();
+            vertices.clear();
             break;
         }
-        vertices->Add(p);
+        vertices.push_back(p);
     }
-    return vertices;
+    return std::make_unique<TList<TPoint3D>>(std::move(vertices));
 }
 
 void StartUnit_uTessQuadsTriangulator()
