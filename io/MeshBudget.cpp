@@ -33,7 +33,7 @@ double PlannedQuads(const FaceData& f, const PreparationSettings& settings)
     }
 }
 
-// Each face's triangle budget on the GLU road, in the view the road fits the model's box into.
+// The GLU road's triangles at most, in the view the road fits the model's box into.
 double GluTriangles(const CadModelData& model, const MeshSettings& settings)
 {
     const BoundingBox& b = model.Box;
@@ -42,12 +42,16 @@ double GluTriangles(const CadModelData& model, const MeshSettings& settings)
         corners[static_cast<std::size_t>(i)] = {(i & 1 ? b.Max : b.Min).X, (i & 2 ? b.Max : b.Min).Y, (i & 4 ? b.Max : b.Min).Z};
     const double pixelsPerUnit = ObliqueViewPixelsPerUnit(corners, settings.ViewWidth, settings.ViewHeight);
     const GluBudget budget;
-    double sum = 0.0;
+    double sum = 0.0, largest = 0.0;
     for (const FaceData& f : model.Faces) {
         const double area = f.ExactArea * pixelsPerUnit * pixelsPerUnit;
-        sum += budget.PredictionSlack * std::max(budget.MinTriangles, budget.TrianglesPerPixel * area);
+        const double faceBudget = std::max(budget.MinTriangles, budget.TrianglesPerPixel * area);
+        sum += faceBudget;
+        largest = std::max(largest, faceBudget);
     }
-    return sum;
+    // A face is kept only within its budget; GLU may sample up to the slack times it while it
+    // works, one face at a time.
+    return sum + (budget.PredictionSlack - 1.0) * largest;
 }
 
 }  // namespace

@@ -25,8 +25,9 @@ public:
 };
 
 // The triangles the mesh of Model by Settings will have at most: twice the quads the quad road
-// plans (a face the preparation refuses counts nothing: it is skipped), or on the GLU road each
-// face's triangle budget times the slack GLU is given before it runs.
+// plans (a face the preparation refuses counts nothing: it is skipped), or on the GLU road the
+// faces' triangle budgets (a face past its own is refused), plus what GLU may sample beyond the
+// largest while it works on it.
 double PlannedTriangles(const CadModelData& Model, const MeshSettings& Settings);
 
 // Raises EOverBudget when PlannedTriangles passes MaxTriangles.
