@@ -10,7 +10,7 @@ namespace orvane {
 namespace {
 
 constexpr const char* kUnitName = "uTessQuadsTriangulator";
-constexpr std::size_t kExpectedLines = 8;
+constexpr std::size_t kExpectedLines = 32;
 
 // The NURBS surface every surface class ends in, or nullptr.
 const TGeNurbsSurface* FindNurbsSurface(const TGeSurface* GeSurf)
@@ -72,6 +72,12 @@ void TKeyIndex::Grow()
         while (FSlots[i].Index != kEmpty) i = (i + 1) & mask;
         FSlots[i] = slot;
     }
+}
+
+TSurfacePoints::TBasisLines::TBasisLines(std::size_t Expected) : FKeys(Expected)
+{
+    FSpans.reserve(Expected);
+    FValues.reserve(4 * Expected);
 }
 
 int TSurfacePoints::TBasisLines::Span(double Value, const std::vector<double>& Knots, int Degree,

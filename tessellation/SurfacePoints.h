@@ -55,7 +55,7 @@ private:
     // The basis functions of each distinct parameter of one direction.
     class TBasisLines {
     public:
-        TBasisLines(std::size_t Expected) : FKeys(Expected) {}
+        explicit TBasisLines(std::size_t Expected);
         // The span at Value; its Degree + 1 basis functions start at Basis.
         int Span(double Value, const std::vector<double>& Knots, int Degree, double SampleTolerance,
                  const double*& Basis);
