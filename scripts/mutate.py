@@ -35,6 +35,8 @@ MUTANTS = [
      "if (vStraight || uStraight)"),
     ("tessellation", "tessellation/TempNurbsPointEval.cpp", "if (s.GetRational()) result = result / w;",
      "if (false) result = result / w;"),
+    ("tessellation", "tessellation/SurfacePoints.cpp", "if (s.GetRational()) result = result / w;",
+     "if (false) result = result / w;"),
     ("tessellation", "tessellation/TessQuadsInvoker.cpp", "kFewestPointsOfCircleHole = 21;",
      "kFewestPointsOfCircleHole = 22;"),
     ("tessellation", "tessellation/SurfaceNormals.cpp", "Unit.Points2D[Unit.Points2D.Count() - 2]",
