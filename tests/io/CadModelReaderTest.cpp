@@ -31,5 +31,18 @@ TEST(CadModelReader, ReadsEveryTestPartFromIgesAndStepWithoutSkippingAFace)
     }
 }
 
+TEST(FaceValidation, ANetOrCurveWithTooFewPolesForItsDegreeIsRefused)
+{
+    NurbsSurfaceData net;
+    net.DegreeU = 2;
+    net.CountU = net.CountV = 2;
+    net.KnotsU = {0, 0, 0, 1, 1, 1};
+    net.KnotsV = {0, 0, 1, 1};
+    net.Poles.resize(4);
+    EXPECT_EQ(FindSurfaceProblem(net), "2 poles in U are too few for degree 2");
+    const TrimCurveData curve{3, {0, 0, 0, 0, 1, 1, 1, 1}, {{0, 0}, {1, 0}, {1, 1}}, {}, -1, false, {}};
+    EXPECT_EQ(FindCurveProblem(curve), "3 poles in curve are too few for degree 3");
+}
+
 }  // namespace
 }  // namespace orvane::io

@@ -163,8 +163,10 @@ TEST(MeshWriters, ObjSharesPointsBitForBitAndWritesQuadsOnRequest)
 {
     testing::TempDir dir;
     ModelMesh mesh = ClosedBox(2, {1.0 / 3, 2.0 / 7, 0.7});  // coordinates with no short decimal form
-    // One quad of the last side written as plain triangles: no longer in QuadStarts.
+    // One quad of the last side written as plain triangles: no longer in QuadStarts. A triangle
+    // collapsed to two corners is no face at all.
     mesh.Faces.back().QuadStarts.erase(mesh.Faces.back().QuadStarts.begin() + 1);
+    mesh.Faces[0].Triangles.push_back({0, 1, 1});
     const struct {
         bool Quads;
         int FourCorners, ThreeCorners;
@@ -191,6 +193,7 @@ TEST(MeshWriters, ObjSharesPointsBitForBitAndWritesQuadsOnRequest)
         EXPECT_EQ(v, mesh.Points);
         EXPECT_EQ(corners[4], c.FourCorners);
         EXPECT_EQ(corners[3], c.ThreeCorners);
+        EXPECT_EQ(corners[2], 0);
     }
     EXPECT_NE(Slurp(dir.File("box.obj")).find("\no solid_1\ng face_1\nf "), std::string::npos);
 }

@@ -84,14 +84,6 @@ TEST(ModelMesh, OpenShellKeepsItsBoundaryAsFreeEdges)
     EXPECT_NEAR(length, kOpenBoxRim, 1e-9);
 }
 
-}  // namespace
-}  // namespace orvane::io
-
-namespace orvane::io {
-namespace {
-
-using namespace orvane::io::testing;
-
 // The GLU road samples in pixels of a view fitted to the whole model; its meshes come out
 // pointing out of the material as well.
 TEST(ModelMesh, GluRoadMeshesComeOutPointingOutOfTheMaterial)
@@ -114,14 +106,6 @@ TEST(ModelMesh, GluRoadMeshesComeOutPointingOutOfTheMaterial)
         EXPECT_GT(WorstNormalAgreement(model, mesh), 0.5);
     }
 }
-
-}  // namespace
-}  // namespace orvane::io
-
-namespace orvane::io {
-namespace {
-
-using namespace orvane::io::testing;
 
 // Real CAD files, where ORVANE_CAD_SAMPLES names a folder of them (they are not in the
 // repository): at 1% of the diagonal and at the default tolerance, every face meshed and the
