@@ -134,6 +134,17 @@ TPoint3D TSurfacePoints::At(const TPoint2D& P)
     return FPoints[IndexOf(Bits(u), Bits(v))];
 }
 
+void TSurfacePoints::AddAll(const std::vector<TPoint2D>& P, std::vector<TPoint3D>& Out)
+{
+    if (P.empty()) return;
+    if (!FNurbs) Load();
+    for (const TPoint2D& p : P) {
+        const double u = FSwapXY ? p.Y : p.X;
+        const double v = FSwapXY ? p.X : p.Y;
+        Out.push_back(FPoints[IndexOf(Bits(u), Bits(v))]);
+    }
+}
+
 std::uint32_t TSurfacePoints::IndexOf(std::uint64_t U, std::uint64_t V)
 {
     for (const TRecent& r : FRecent)

@@ -50,6 +50,8 @@ public:
     // The point at P of the plane. The first call fails the assertion "TessQuadsTriangulator,
     // GetPoint3D can not get GeNurbsSurface" where the surface has no NURBS surface.
     TPoint3D At(const TPoint2D& P);
+    // The points at each of P, in order, added to Out.
+    void AddAll(const std::vector<TPoint2D>& P, std::vector<TPoint3D>& Out);
 
 private:
     // The basis functions of each distinct parameter of one direction.

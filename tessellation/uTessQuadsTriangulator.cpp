@@ -1,5 +1,6 @@
 #include "tessellation/uTessQuadsTriangulator.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -105,14 +106,8 @@ TQuadSurfaceTriangulator::TPointList TQuadSurfaceTriangulator::GetVertexList(con
 {
     std::vector<TPoint3D> vertices;
     vertices.reserve(static_cast<std::size_t>(Unit.Points2D.Count()));
-    for (const TPoint2D& uv : Unit.Points2D) {
-        const TPoint3D p = Points.At(uv);
-        if (IsNaNPoint(p)) {
-            vertices.clear();
-            break;
-        }
-        vertices.push_back(p);
-    }
+    Points.AddAll(Unit.Points2D.Items(), vertices);
+    if (std::any_of(vertices.begin(), vertices.end(), IsNaNPoint)) vertices.clear();
     return std::make_unique<TList<TPoint3D>>(std::move(vertices));
 }
 
