@@ -48,22 +48,6 @@ protected:
     GlTableSnapshot FSnapshot;
 };
 
-TEST(GlRecorder, RecordsCallsInOrderAndPutsTheRealEntriesBack)
-{
-    const auto realBegin = glBegin;
-    {
-        GlRecorder rec;
-        rec.RecordAll<&glBegin, &gluNurbsProperty>();
-        rec.Record<&glCreateShader>([](GLenum) { return 41u; });
-        glBegin(GL_TRIANGLES);
-        EXPECT_EQ(glCreateShader(GL_VERTEX_SHADER), 41u);
-        gluNurbsProperty(nullptr, GLU_SAMPLING_TOLERANCE, 12.5f);
-        EXPECT_EQ(rec.Texts(), (std::vector<std::string>{"glBegin(4)", "glCreateShader(35633)", "gluNurbsProperty(nil, 100203, 12.5)"}));
-    }
-    EXPECT_EQ(glBegin, realBegin);
-    EXPECT_EQ(GlRecorder::Current(), nullptr);
-}
-
 TEST(LegacyUnits, GLAndGLuLoadTheirNamesAndClearThemOnFailureOrFree)
 {
     GlTableSnapshot snapshot;
