@@ -1,6 +1,8 @@
 // The quad road on every shape of the shape library: Quadrilateral in quads per second and
 // Triangulate in triangles per second; and the road's own NURBS point evaluation against the
-// kernel's GetPoint, in nanoseconds a point, over the same grid of parameters.
+// kernel's GetPoint, in nanoseconds a point, over the same grid of parameters: point by point,
+// and through the road's table of a surface's points, which computes the basis functions once
+// a grid line and each point once.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "contracts/Shapes.h"
+#include "tessellation/SurfacePoints.h"
 #include "tessellation/TempNurbsPointEval.h"
 #include "tessellation/uTessQuadsTriangulator.h"
 
@@ -64,6 +67,18 @@ void RunEvaluator(benchmark::State& state, const std::string& Name, bool Kernel)
     PerPoint(state, uv.size());
 }
 
+// A fresh table for each pass, as the road makes one a call.
+void RunSurfacePoints(benchmark::State& state, const std::string& Name)
+{
+    const auto shape = MakeShape(Name);
+    const std::vector<TPoint2D> uv = Grid(dynamic_cast<const TGeNurbsSurface&>(*shape));
+    for (auto _ : state) {
+        TSurfacePoints points(*shape, 0.001, false, uv.size());
+        for (const TPoint2D& p : uv) benchmark::DoNotOptimize(points.At(p));
+    }
+    PerPoint(state, uv.size());
+}
+
 const bool kRegistered = [] {
     for (const std::string& name : ShapeNames()) {
         benchmark::RegisterBenchmark(("Quadrilateral/" + name).c_str(),
@@ -76,6 +91,8 @@ const bool kRegistered = [] {
     for (const std::string name : {"cylinder", "sphere", "torus", "freeform"}) {
         benchmark::RegisterBenchmark(("EvalPointOnNurbsSurface/" + name).c_str(),
                                      [name](benchmark::State& s) { RunEvaluator(s, name, false); });
+        benchmark::RegisterBenchmark(("SurfacePoints/" + name).c_str(),
+                                     [name](benchmark::State& s) { RunSurfacePoints(s, name); });
         benchmark::RegisterBenchmark(("KernelGetPoint/" + name).c_str(),
                                      [name](benchmark::State& s) { RunEvaluator(s, name, true); });
     }
