@@ -171,10 +171,11 @@ void BM_Road(benchmark::State& state, const Part* part, io::MeshRoad road, bool 
     double convert = 0.0, tessellate = 0.0, orient = 0.0;
     for (auto _ : state) {
         mesh = io::MeshModel(part->Model, settings);
-        state.SetIterationTime(mesh.TessellateSeconds);
-        convert += mesh.ConvertSeconds;
-        tessellate += mesh.TessellateSeconds;
-        orient += mesh.OrientSeconds;
+        const double seconds = io::StageSeconds(mesh.Stages, "tessellate");
+        state.SetIterationTime(seconds);
+        convert += io::StageSeconds(mesh.Stages, "budget");
+        tessellate += seconds;
+        orient += io::StageSeconds(mesh.Stages, "stitch") + io::StageSeconds(mesh.Stages, "orient");
     }
     TFloatDynArray tri, norm;
     io::JoinFaces(mesh, tri, norm);

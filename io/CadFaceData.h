@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "contracts/Cadtypes.h"
+#include "io/StageTimes.h"
 
 namespace orvane::io {
 
@@ -114,6 +115,7 @@ struct CadModelData {
     std::vector<EdgeData> Edges;    // the edges the faces' loops use
     std::vector<SolidData> Solids;
     double Tolerance = 0.0;         // the chordal tolerance the edges were discretised at
+    StageTimes Stages;              // reading it: read, heal, measure, label, edges, convert
 
     int FaceCount() const { return static_cast<int>(Faces.size() + Skipped.size()); }
 };

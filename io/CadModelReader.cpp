@@ -66,13 +66,11 @@ Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& na
 // Converts the faces on as many threads as the machine has: each face converts on its own,
 // reading the shape and the prepared edge table only (the reader's labels are looked up
 // first, here). Progress is told on this thread.
-std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShape& healed, const TopTools_IndexedMapOfShape& faces,
+std::vector<Conversion> ConvertAll(const std::vector<std::string>& names, const TopTools_IndexedMapOfShape& faces,
                                    EdgeTable& edges, const std::vector<int>& solidOf, const std::vector<double>& areas,
-                                   const ProgressFn& progress)
+                                   const ProgressFn& progress, int threads)
 {
     const int count = faces.Extent();
-    std::vector<std::string> names;
-    for (int i = 1; i <= count; ++i) names.push_back(FaceName(reader, healed.Original(faces(i)), i));
     std::vector<Conversion> done(static_cast<std::size_t>(count));
     OnEveryCore(
         count,
@@ -82,13 +80,14 @@ std::vector<Conversion> ConvertAll(const CadFileReader& reader, const HealedShap
         },
         [&](int n) {
             if (progress) progress(n, count);
-        });
+        },
+        threads);
     return done;
 }
 
 // The model's box (each face's optimal box, joined) and exact area, face by face on every core;
 // gives each face's area.
-std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model)
+std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model, int threads)
 {
     std::vector<Bnd_Box> boxes(static_cast<std::size_t>(faces.Extent()));
     std::vector<double> areas(boxes.size(), 0.0);
@@ -102,7 +101,7 @@ std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadMod
         } catch (const Standard_Failure&) {
             // Measures are for the tolerance, reports and checks: such a face still converts.
         }
-    });
+    }, {}, threads);
     Bnd_Box box;
     for (const Bnd_Box& b : boxes) box.Add(b);
     for (const double a : areas) model.ExactArea += a;
@@ -115,7 +114,8 @@ std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadMod
 
 // The solid each face belongs to (the first that holds it), -1 for a face in none; one entry
 // of Model.Solids a solid, with its exact volume (the solids measured on every core).
-std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& faces, CadModelData& model)
+std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& faces, CadModelData& model,
+                              int threads)
 {
     std::vector<TopoDS_Shape> solids;
     for (TopExp_Explorer ex(shape, TopAbs_SOLID); ex.More(); ex.Next()) solids.push_back(ex.Current());
@@ -128,7 +128,7 @@ std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedM
             model.Solids[static_cast<std::size_t>(i)].ExactVolume = volume.Mass();
         } catch (const Standard_Failure&) {
         }
-    });
+    }, {}, threads);
     std::vector<int> solidOf(static_cast<std::size_t>(faces.Extent()), -1);
     for (std::size_t solid = 0; solid < solids.size(); ++solid) {
         model.ExactVolume += model.Solids[solid].ExactVolume;
@@ -143,30 +143,40 @@ std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedM
 
 }  // namespace
 
-CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance, const std::string& Unit)
+CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance, const std::string& Unit,
+                          int Threads)
 {
+    CadModelData model;
+    StageClock clock(model.Stages);
     const CadFileReader reader(Path, Unit);
+    clock.Lap("read", 1, "file");
     const HealedShape healed(reader.Shape());
     const TopoDS_Shape& shape = healed.Shape();
     TopTools_IndexedMapOfShape faces;
     TopExp::MapShapes(shape, TopAbs_FACE, faces);
     if (faces.IsEmpty()) throw ECadFileError(Path + " holds no faces");
-    CadModelData model;
+    clock.Lap("heal", faces.Extent(), "faces");
     model.Format = reader.FormatName();
     model.Unit = reader.Unit().Name;
-    const std::vector<double> areas = MeasureFaces(faces, model);
+    const std::vector<double> areas = MeasureFaces(faces, model, Threads);
     model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
-    const std::vector<int> solidOf = SolidOfFaces(shape, faces, model);
+    const std::vector<int> solidOf = SolidOfFaces(shape, faces, model, Threads);
+    clock.Lap("measure", faces.Extent(), "faces");
+    std::vector<std::string> names;
+    for (int i = 1; i <= faces.Extent(); ++i) names.push_back(FaceName(reader, healed.Original(faces(i)), i));
+    clock.Lap("label", faces.Extent(), "faces");
     // Half the tolerance: a boundary triangle adds its own chord to its side's.
     EdgeTable edges(model.Tolerance / 2.0);
     edges.AddAll(shape);
-    for (Conversion& c : ConvertAll(reader, healed, faces, edges, solidOf, areas, Progress)) {
+    clock.Lap("edges", edges.Size(), "edges");
+    for (Conversion& c : ConvertAll(names, faces, edges, solidOf, areas, Progress, Threads)) {
         if (c.Face)
             model.Faces.push_back(std::move(*c.Face));
         else
             model.Skipped.push_back(std::move(c.Skipped));
     }
     model.Edges = edges.Take();
+    clock.Lap("convert", static_cast<long long>(model.Faces.size()), "faces");
     return model;
 }
 

@@ -397,13 +397,14 @@ private:
 
 }  // namespace
 
-void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts)
+void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts,
+                  int Threads)
 {
     // Each face's own steps run on every core; the marks of an edge are gathered across faces.
     const int count = static_cast<int>(Drafts.size());
     OnEveryCore(count, [&](int i) {
         ThinBoundaryCrossings(Drafts[static_cast<std::size_t>(i)], *Faces[static_cast<std::size_t>(i)], Model.Edges);
-    });
+    }, {}, Threads);
     std::vector<EdgeMarks> marks(Model.Edges.size());
     for (const FaceDraft& d : Drafts) Collect(d, marks);
     for (EdgeMarks& m : marks) Merge(m);
@@ -415,7 +416,7 @@ void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>&
         stitcher.Split();
         stitcher.RepairTurned();
         EaseTurned(draft, face);
-    });
+    }, {}, Threads);
 }
 
 std::size_t PointWelder::KeyHash::operator()(const Key& k) const noexcept

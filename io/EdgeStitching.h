@@ -22,8 +22,10 @@ namespace orvane::io {
 // along a long straight segment could turn a thin triangle over.
 inline constexpr double kEdgeMergeShare = 1e-6;
 
-// Stitches the drafts of the faces Faces[i] (Drafts[i]) against each other.
-void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts);
+// Stitches the drafts of the faces Faces[i] (Drafts[i]) against each other, on Threads threads
+// (0: every core).
+void StitchDrafts(const CadModelData& Model, const std::vector<const FaceData*>& Faces, std::vector<FaceDraft>& Drafts,
+                  int Threads = 0);
 
 // Two points of a model closer than this share of its box diagonal are one.
 inline constexpr double kSamePointShare = 1e-9;

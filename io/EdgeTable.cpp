@@ -68,6 +68,12 @@ const EdgeData& EdgeTable::Data(int Index) const
     return FData[static_cast<std::size_t>(Index)];
 }
 
+int EdgeTable::Size() const
+{
+    const std::lock_guard lock(FMutex);
+    return FEdges.Extent();
+}
+
 std::vector<EdgeData> EdgeTable::Take()
 {
     const std::lock_guard lock(FMutex);

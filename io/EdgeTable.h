@@ -36,6 +36,7 @@ public:
     const std::vector<double>& Parameters(int Index) const;
     const EdgeData& Data(int Index) const;
 
+    int Size() const;
     std::vector<EdgeData> Take();
 
 private:

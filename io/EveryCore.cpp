@@ -7,7 +7,7 @@
 
 namespace orvane::io {
 
-void OnEveryCore(int Count, const std::function<void(int)>& Work, const std::function<void(int)>& Done)
+void OnEveryCore(int Count, const std::function<void(int)>& Work, const std::function<void(int)>& Done, int Threads)
 {
     std::atomic<int> next{0}, finished{0};
     int told = 0;
@@ -21,7 +21,8 @@ void OnEveryCore(int Count, const std::function<void(int)>& Work, const std::fun
             if (here) tell(total);
         }
     };
-    const int threads = std::min(Count, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
+    const int cores = Threads > 0 ? Threads : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int threads = std::min(Count, cores);
     std::vector<std::thread> helpers;
     for (int t = 1; t < threads; ++t) helpers.emplace_back(run, false);
     run(true);

@@ -55,8 +55,8 @@ void DieWithParent(pid_t parent)
 [[noreturn]] void RunChild(int fd, pid_t parent, const std::function<CadModelData(const ProgressFn&)>& work)
 {
     DieWithParent(parent);
-    // The parent's handlers (removing its temporary files) are not the child's business.
-    for (const int s : {SIGINT, SIGTERM, SIGHUP}) ::signal(s, SIG_DFL);
+    // The parent's handlers (removing its temporary files, its time limit) are not the child's.
+    for (const int s : {SIGINT, SIGTERM, SIGHUP, SIGALRM}) ::signal(s, SIG_DFL);
     ::signal(SIGPIPE, SIG_IGN);
     const ProgressFn progress = [fd](int done, int total) {
         const std::int32_t values[2] = {done, total};
@@ -190,9 +190,9 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 }
 
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress,
-                                  double Tolerance, const std::string& Unit)
+                                  double Tolerance, const std::string& Unit, int Threads)
 {
-    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance, Unit); }, Path,
+    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance, Unit, Threads); }, Path,
                        TimeLimitSeconds, Progress);
 }
 

@@ -69,7 +69,7 @@ double PlannedTriangles(const CadModelData& Model, const MeshSettings& Settings)
     std::vector<double> quads(Model.Faces.size(), 0.0);
     OnEveryCore(static_cast<int>(quads.size()), [&](int i) {
         quads[static_cast<std::size_t>(i)] = PlannedQuads(Model.Faces[static_cast<std::size_t>(i)], settings);
-    });
+    }, {}, Settings.Threads);
     double sum = 0.0;
     for (const double q : quads) sum += q;
     return 2.0 * sum;

@@ -19,13 +19,6 @@
 namespace orvane::io {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double Since(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
 // Where the messages shown on this thread go while a face is meshed on it.
 thread_local std::vector<std::string>* tShown = nullptr;
 
@@ -82,7 +75,6 @@ struct FaceOutcome {
     std::string Refused;
     std::string GluNote;  // why GLU handed the face to the quad road
     std::vector<std::string> Shown;
-    double Seconds = 0.0;
 };
 
 FaceOutcome MeshOne(const FaceData& f, GluRoad* glu, double tolerance, long long maxQuads)
@@ -95,11 +87,9 @@ FaceOutcome MeshOne(const FaceData& f, GluRoad* glu, double tolerance, long long
         const std::string refused = glu ? MeshFaceByGlu(*glu, f, o.Glu) : "quad";
         if (refused.empty()) return o;
         if (glu) o.GluNote = refused + "; meshed on the quad road instead";
-        const auto start = Clock::now();
         // A face GLU gave up on is meshed no coarser than the GLU road's half pixel.
         if (glu && glu->QuadTolerance() > 0.0) tolerance = std::min(tolerance, glu->QuadTolerance());
         o.Draft = DraftQuadFace(f, tolerance, maxQuads);
-        o.Seconds = Since(start);
         if (o.Draft->Triangles.empty()) throw EFaceRefused("the road gave no triangles");
     } catch (const std::exception& e) {
         o.Draft.reset();
@@ -125,8 +115,10 @@ std::size_t ModelMesh::TriangleCount() const
 
 ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, const ProgressFn& Progress)
 {
-    if (Settings.MaxTriangles > 0.0) CheckMeshBudget(Model, Settings, Settings.MaxTriangles);
     ModelMesh mesh;
+    StageClock clock(mesh.Stages);
+    if (Settings.MaxTriangles > 0.0) CheckMeshBudget(Model, Settings, Settings.MaxTriangles);
+    clock.Lap("budget", static_cast<long long>(Model.Faces.size()), "faces");
     mesh.Skipped = Model.Skipped;
     mesh.Solids = Model.Solids;
     mesh.Tolerance = Settings.Tolerance > 0.0 ? Settings.Tolerance : DefaultTolerance(Model);
@@ -146,7 +138,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
     if (glu) {
         for (int i = 0; i < count; ++i) meshOne(i), told(i + 1);
     } else {
-        OnEveryCore(count, meshOne, told);
+        OnEveryCore(count, meshOne, told, Settings.Threads);
     }
     std::vector<FaceSlot> slots;
     std::vector<const FaceData*> quadFaces;
@@ -158,7 +150,6 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         if (!o.Refused.empty()) {
             mesh.Skipped.push_back({f.Number, f.Name, o.Refused});
         } else if (o.Draft) {
-            mesh.TessellateSeconds += o.Seconds;
             slots.push_back({&f, static_cast<int>(drafts.size()), {}});
             quadFaces.push_back(&f);
             drafts.push_back(std::move(*o.Draft));
@@ -167,8 +158,9 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         }
         for (const std::string& text : o.Shown) mesh.Notes.push_back({f.Number, f.Name, text});
     }
-    const auto start = Clock::now();
-    StitchDrafts(Model, quadFaces, drafts);
+    clock.Lap("tessellate", static_cast<long long>(slots.size()), "faces");
+    StitchDrafts(Model, quadFaces, drafts, Settings.Threads);
+    clock.Lap("stitch", static_cast<long long>(drafts.size()), "faces");
     PointWelder points(kSamePointShare * Model.Box.Diagonal());
     for (FaceSlot& slot : slots) {
         if (slot.Draft < 0) {
@@ -185,7 +177,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
     mesh.Points = points.Take();
     for (FaceMesh& f : mesh.Faces)
         if (!f.FromGlu) FillFlatArrays(mesh.Points, f);
-    mesh.OrientSeconds += Since(start);
+    clock.Lap("orient", static_cast<long long>(mesh.TriangleCount()), "triangles");
     return mesh;
 }
 

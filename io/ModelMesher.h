@@ -23,6 +23,7 @@ struct MeshSettings {
     // The whole model's triangles, planned before any face is meshed (io/MeshBudget.h); 0: no
     // bound.
     double MaxTriangles = 0.0;
+    int Threads = 0;  // quad road: the threads that mesh the faces; 0: every core
 };
 
 // The chordal tolerance used when none is given: 1/2500 of the model's box diagonal.
@@ -57,9 +58,7 @@ struct ModelMesh {
     std::vector<SkippedFace> Skipped;    // the reader's, then those refused or left empty here
     std::vector<SkippedFace> Notes;      // what a road reported of a face it meshed in part
     double Tolerance = 0.0;              // quad road: the one used
-    double ConvertSeconds = 0.0;         // building and preparing the kernel's faces
-    double TessellateSeconds = 0.0;      // the road itself, its normals and flat arrays included
-    double OrientSeconds = 0.0;          // turning faces out of the material, mending normals
+    StageTimes Stages;                   // budget, tessellate, stitch, orient
     std::size_t TriangleCount() const;
 };
 

@@ -187,6 +187,13 @@ std::string EncodeModel(const CadModelData& Model)
     }
     w.PutVector(Model.Solids);
     w.Put(Model.Tolerance);
+    w.Put(static_cast<std::uint64_t>(Model.Stages.size()));
+    for (const StageTime& t : Model.Stages) {
+        w.PutString(t.Name);
+        w.Put(t.Seconds);
+        w.Put(t.Count);
+        w.PutString(t.Of);
+    }
     return w.Take();
 }
 
@@ -216,6 +223,13 @@ CadModelData DecodeModel(std::string_view Bytes)
     }
     m.Solids = r.GetVector<SolidData>();
     m.Tolerance = r.Get<double>();
+    m.Stages.resize(r.Count(8 + 8 + 8 + 8));
+    for (StageTime& t : m.Stages) {
+        t.Name = r.GetString();
+        t.Seconds = r.Get<double>();
+        t.Count = r.Get<long long>();
+        t.Of = r.GetString();
+    }
     if (!r.AtEnd()) Reader::Damaged();
     return m;
 }

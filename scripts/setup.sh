@@ -9,7 +9,7 @@ packages=(
   clang libclang-rt-14-dev
   libgl-dev libopengl-dev libegl-dev libgl1-mesa-dri libegl-mesa0 libglu1-mesa-dev khronos-api
   libfreetype-dev libfontconfig-dev fonts-dejavu-core
-  libpugixml-dev libcli11-dev libpng-dev libtinygltf-dev libmeshoptimizer-dev
+  libpugixml-dev libcli11-dev nlohmann-json3-dev libpng-dev libtinygltf-dev libmeshoptimizer-dev
   libocct-data-exchange-dev libocct-modeling-algorithms-dev libocct-modeling-data-dev
   libocct-foundation-dev
 )

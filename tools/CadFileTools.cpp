@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
@@ -64,9 +65,16 @@ io::CadModelData TCadRun::Read(const std::string& Path) const
 {
     io::ProgressBar bar("reading " + std::filesystem::path(Path).filename().string());
     try {
-        return io::ReadCadModelIsolated(
+        const auto start = std::chrono::steady_clock::now();
+        io::CadModelData model = io::ReadCadModelIsolated(
             Path, std::max(0.0, FDeadline.SecondsLeft()) + kChildGraceSeconds,
-            [&](int done, int total) { bar.Update(done, total); }, FOptions.Tolerance, FOptions.Unit);
+            [&](int done, int total) { bar.Update(done, total); }, FOptions.Tolerance, FOptions.Unit, FOptions.Threads);
+        // What the reading process's own stages leave of the wait: starting it and the model's
+        // way back through the pipe.
+        double wait = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        for (const io::StageTime& stage : model.Stages) wait -= stage.Seconds;
+        model.Stages.push_back({"pipe", std::max(0.0, wait), static_cast<long long>(model.Faces.size()), "faces"});
+        return model;
     } catch (const io::ECadFileError& e) {
         bar.Finish();
         throw std::runtime_error(e.what());
@@ -81,6 +89,7 @@ io::ModelMesh TCadRun::Mesh(const io::CadModelData& Model, const std::string& Pa
     settings.ViewWidth = FOptions.Size.Width;
     settings.ViewHeight = FOptions.Size.Height;
     settings.MaxTriangles = MaxBytes() / io::kBytesPerTriangle;
+    settings.Threads = FOptions.Threads;
     io::ProgressBar bar("meshing " + std::filesystem::path(Path).filename().string());
     io::ModelMesh mesh;
     try {

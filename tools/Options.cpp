@@ -76,6 +76,8 @@ std::string Lower(std::string s)
     return s;
 }
 
+}  // namespace
+
 std::string CheckExtension(const std::string& path, const std::vector<std::string>& extensions)
 {
     const std::string ext = Lower(std::filesystem::path(path).extension().string());
@@ -85,8 +87,6 @@ std::string CheckExtension(const std::string& path, const std::vector<std::strin
         list += (i == 0 ? "" : i + 1 == extensions.size() ? " or " : ", ") + extensions[i];
     return "the name must end in " + list + ": " + Shown(path, std::string::npos);
 }
-
-}  // namespace
 
 CLI::Option* AddNumber(CLI::App& Command, const std::string& Name, double& Value, double Low, double High,
                        const std::string& Help)
@@ -155,6 +155,8 @@ void AddCadOptions(CLI::App& Command, TCadOptions& O, const std::string& SizeHel
     AddChoice(Command, "--unit", O.Unit, {"file", "mm", "in", "m"},
               "the length unit of the model's coordinates and --tolerance: the file's own, millimetres, inches or "
               "metres");
+    AddCount(Command, "-j,--threads", O.Threads, 1, 4096,
+             "threads that read and mesh the model (default: one per core); the output is the same for any number");
 }
 
 void RefuseOptions(const CLI::App& Command, const std::vector<std::string>& Names, const std::string& Why)

@@ -47,6 +47,8 @@ CLI::Option* AddChoice(CLI::App& Command, const std::string& Name, std::string& 
                        const std::vector<std::string>& Choices, const std::string& Help);
 // WIDTHxHEIGHT in pixels, each 1 to kMaxPixels.
 CLI::Option* AddViewSize(CLI::App& Command, TViewSize& Value, const std::string& Help);
+// Empty when Path ends in one of Extensions (or Extensions is empty), else what is wrong with it.
+std::string CheckExtension(const std::string& Path, const std::vector<std::string>& Extensions);
 // A file the command writes, whose name must end in one of Extensions (any name where empty).
 CLI::Option* AddOutput(CLI::App& Command, const std::string& Name, std::string& Value,
                        const std::vector<std::string>& Extensions, const std::string& Help);
@@ -62,10 +64,11 @@ struct TCadOptions {
     double TimeLimit = 120.0;  // seconds, the whole run
     double MaxMemoryMiB = DefaultMaxMemoryMiB();
     std::string Unit = "file";
+    int Threads = 0;  // 0: every core
 };
 
-// --tolerance, --road, --size, --time-limit, --max-memory and --unit; SizeHelp says what --size
-// is in this command.
+// --tolerance, --road, --size, --time-limit, --max-memory, --unit and -j; SizeHelp says what
+// --size is in this command.
 void AddCadOptions(CLI::App& Command, TCadOptions& Options, const std::string& SizeHelp);
 
 // Raises EUsage for an option given where it does nothing: --tolerance on the glu road, and
