@@ -1,43 +1,68 @@
 #include "tools/RunDeadline.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <signal.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstring>
 
 #include "io/AtomicFile.h"
 #include "tools/Options.h"
 
 namespace orvane::tools {
+namespace {
 
-TRunDeadline::TRunDeadline(double Seconds, std::string Message)
-    : FEnd(std::chrono::steady_clock::now() +
-           std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(Seconds))),
-      FMessage(std::move(Message)),
-      FThread([this] { Watch(); })
+// What the signal handler prints; a handler can reach only what is static.
+std::array<char, 2048> gLine{};
+std::size_t gLineLength = 0;
+
+void Expired(int)
 {
+    (void)!::write(STDERR_FILENO, gLine.data(), gLineLength);
+    io::RemovePendingTemporaries();
+    ::_exit(kExitFailed);  // a reading child dies with this process
+}
+
+double Now()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void SetTimer(double seconds)
+{
+    itimerval timer{};
+    timer.it_value.tv_sec = static_cast<time_t>(std::floor(seconds));
+    timer.it_value.tv_usec = static_cast<suseconds_t>((seconds - std::floor(seconds)) * 1e6);
+    if (seconds > 0.0 && timer.it_value.tv_sec == 0 && timer.it_value.tv_usec == 0) timer.it_value.tv_usec = 1;
+    ::setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+}  // namespace
+
+TRunDeadline::TRunDeadline(double Seconds, const std::string& Message) : FEnd(Now() + Seconds)
+{
+    const std::string line = "orvane: " + Message.substr(0, gLine.size() - 10) + "\n";
+    std::memcpy(gLine.data(), line.data(), line.size());
+    gLineLength = line.size();
+    struct sigaction action {};
+    action.sa_handler = Expired;
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(SIGALRM, &action, nullptr);
+    SetTimer(Seconds);
 }
 
 TRunDeadline::~TRunDeadline()
 {
-    {
-        const std::lock_guard<std::mutex> lock(FMutex);
-        FDone = true;
-    }
-    FWake.notify_all();
-    FThread.join();
+    SetTimer(0.0);
+    ::signal(SIGALRM, SIG_DFL);
 }
 
 double TRunDeadline::SecondsLeft() const
 {
-    return std::chrono::duration<double>(FEnd - std::chrono::steady_clock::now()).count();
-}
-
-void TRunDeadline::Watch()
-{
-    std::unique_lock<std::mutex> lock(FMutex);
-    if (FWake.wait_until(lock, FEnd, [this] { return FDone; })) return;
-    std::fprintf(stderr, "orvane: %s\n", FMessage.c_str());
-    io::RemovePendingTemporaries();
-    std::_Exit(kExitFailed);  // a reading child dies with this process
+    return FEnd - Now();
 }
 
 }  // namespace orvane::tools

@@ -1,20 +1,17 @@
 // The time limit of a whole run: when it passes, whatever runs (reading, meshing, writing) is
-// stopped, the temporary file being written removed and one line says so; exit code 1. A
-// watch thread does it, since a face's meshing cannot be asked to stop half way.
+// stopped, the temporary file being written removed and one line says so; exit code 1. A timer
+// signal does it, since a face's meshing cannot be asked to stop half way; a thread would not
+// do, as the reader is forked while it runs.
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <string>
-#include <thread>
 
 namespace orvane::tools {
 
 class TRunDeadline {
 public:
-    // Message: the line to print, without the "orvane: " it gets.
-    TRunDeadline(double Seconds, std::string Message);
+    // Message: the line to print, without the "orvane: " it gets. One deadline at a time.
+    TRunDeadline(double Seconds, const std::string& Message);
     ~TRunDeadline();
     TRunDeadline(const TRunDeadline&) = delete;
     TRunDeadline& operator=(const TRunDeadline&) = delete;
@@ -22,14 +19,7 @@ public:
     double SecondsLeft() const;
 
 private:
-    void Watch();
-
-    std::chrono::steady_clock::time_point FEnd;
-    std::string FMessage;
-    std::mutex FMutex;
-    std::condition_variable FWake;
-    bool FDone = false;
-    std::thread FThread;
+    double FEnd;  // seconds on the monotonic clock
 };
 
 }  // namespace orvane::tools
