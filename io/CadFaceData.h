@@ -94,6 +94,9 @@ struct SkippedFace {
     int Number = 0;
     std::string Name;
     std::string Reason;
+    // Nothing a mesh at the tolerance could show is lost: the face is smaller than the tolerance
+    // squared, or thinner than the tolerance (its edges' points enclose no area).
+    bool Negligible = false;
 };
 
 struct BoundingBox {

@@ -44,7 +44,7 @@ public:
     // Reads and translates the whole file, its coordinates in Unit: "file" for the file's own
     // length unit (millimetres where the file names none the reader knows), else a short name
     // of LengthUnitNamed. Raises ECadFileError when it cannot.
-    explicit CadFileReader(const std::string& Path, const std::string& Unit = "file");
+    explicit CadFileReader(const std::string& Path, const std::string& Unit = "mm");
     ~CadFileReader();
     CadFileReader(const CadFileReader&) = delete;
     CadFileReader& operator=(const CadFileReader&) = delete;

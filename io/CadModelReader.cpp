@@ -47,18 +47,19 @@ struct Conversion {
 Conversion ConvertOne(const TopoDS_Face& face, int number, const std::string& name, EdgeTable& edges, int solid, double area)
 {
     Conversion c;
+    const bool negligible = area <= edges.Tolerance() * edges.Tolerance() * 4.0;  // edges at half the tolerance
     try {
         c.Face = ConvertFace(face, number, name, edges);
         c.Face->Solid = solid;
         c.Face->ExactArea = area;
     } catch (const EFaceSkipped& e) {
-        c.Skipped = {number, name, e.what() + BoundaryVerdict(e.what(), face)};
+        c.Skipped = {number, name, e.what() + BoundaryVerdict(e.what(), face), negligible};
     } catch (const Standard_Failure& e) {
-        c.Skipped = {number, name, std::string("the geometry library failed: ") + e.DynamicType()->Name()};
+        c.Skipped = {number, name, std::string("the geometry library failed: ") + e.DynamicType()->Name(), negligible};
     } catch (const std::exception& e) {
-        c.Skipped = {number, name, e.what()};
+        c.Skipped = {number, name, e.what(), negligible};
     } catch (...) {
-        c.Skipped = {number, name, "the conversion failed"};
+        c.Skipped = {number, name, "the conversion failed", negligible};
     }
     return c;
 }

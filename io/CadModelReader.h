@@ -18,6 +18,6 @@ using ProgressFn = std::function<void(int Done, int Total)>;
 // Raises ECadFileError (CadFileReader.h) for a file that cannot be read or holds no faces:
 // "<path> holds no faces".
 CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress = {}, double Tolerance = 0.0,
-                          const std::string& Unit = "file", int Threads = 0);
+                          const std::string& Unit = "mm", int Threads = 0);
 
 }  // namespace orvane::io

@@ -37,6 +37,7 @@ public:
     const EdgeData& Data(int Index) const;
 
     int Size() const;
+    double Tolerance() const { return FTolerance; }
     std::vector<EdgeData> Take();
 
 private:

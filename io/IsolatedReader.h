@@ -21,6 +21,6 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 
 // ReadCadModel in a child process.
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress = {},
-                                  double Tolerance = 0.0, const std::string& Unit = "file", int Threads = 0);
+                                  double Tolerance = 0.0, const std::string& Unit = "mm", int Threads = 0);
 
 }  // namespace orvane::io

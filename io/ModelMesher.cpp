@@ -148,7 +148,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         FaceOutcome& o = outcomes[i];
         if (!o.GluNote.empty()) mesh.Notes.push_back({f.Number, f.Name, o.GluNote});
         if (!o.Refused.empty()) {
-            mesh.Skipped.push_back({f.Number, f.Name, o.Refused});
+            mesh.Skipped.push_back({f.Number, f.Name, o.Refused, f.ExactArea <= mesh.Tolerance * mesh.Tolerance});
         } else if (o.Draft) {
             slots.push_back({&f, static_cast<int>(drafts.size()), {}});
             quadFaces.push_back(&f);
@@ -170,7 +170,7 @@ ModelMesh MeshModel(const CadModelData& Model, const MeshSettings& Settings, con
         }
         FaceMesh face = FaceMeshOf(*slot.Face, drafts[static_cast<std::size_t>(slot.Draft)], points);
         if (face.Triangles.empty())
-            mesh.Skipped.push_back({face.Number, face.Name, "its edges' shared points enclose no area"});
+            mesh.Skipped.push_back({face.Number, face.Name, "its edges' shared points enclose no area", true});
         else
             mesh.Faces.push_back(std::move(face));
     }

@@ -175,6 +175,7 @@ std::string EncodeModel(const CadModelData& Model)
         w.Put(s.Number);
         w.PutString(s.Name);
         w.PutString(s.Reason);
+        w.Put(static_cast<std::uint8_t>(s.Negligible ? 1 : 0));
     }
     w.Put(Model.Box);
     w.Put(Model.ExactArea);
@@ -211,6 +212,7 @@ CadModelData DecodeModel(std::string_view Bytes)
         s.Number = r.Get<int>();
         s.Name = r.GetString();
         s.Reason = r.GetString();
+        s.Negligible = r.Get<std::uint8_t>() != 0;
     }
     m.Box = r.Get<BoundingBox>();
     m.ExactArea = r.Get<double>();

@@ -122,7 +122,15 @@ int TCadRun::Report(const std::string& Path, const io::ModelMesh& Mesh, int Face
         for (const io::SkippedFace& n : Mesh.Notes)
             std::fprintf(stderr, "orvane: %s: %s: %s\n", Path.c_str(), n.Name.c_str(), n.Reason.c_str());
     if (Mesh.Skipped.empty()) return kExitDone;
-    std::fprintf(stderr, "orvane: %s: %zu of %d faces skipped\n", Path.c_str(), Mesh.Skipped.size(), FaceCount);
+    const auto lost = std::count_if(Mesh.Skipped.begin(), Mesh.Skipped.end(),
+                                    [](const io::SkippedFace& s) { return !s.Negligible; });
+    if (lost == 0) {
+        if (FVerbosity != TVerbosity::Quiet)
+            std::fprintf(stderr, "orvane: %s: %zu of %d faces not written, none with anything to show at the tolerance\n",
+                         Path.c_str(), Mesh.Skipped.size(), FaceCount);
+        return kExitDone;
+    }
+    std::fprintf(stderr, "orvane: %s: %zu of %d faces not written\n", Path.c_str(), Mesh.Skipped.size(), FaceCount);
     return kExitFacesSkipped;
 }
 

@@ -153,8 +153,8 @@ void AddCadOptions(CLI::App& Command, TCadOptions& O, const std::string& SizeHel
               "MiB the meshes and the picture may take: a model whose planned mesh needs more is refused before "
               "it is made (default: half the machine's memory, at most 4096)");
     AddChoice(Command, "--unit", O.Unit, {"file", "mm", "in", "m"},
-              "the length unit of the model's coordinates and --tolerance: the file's own, millimetres, inches or "
-              "metres");
+              "the length unit of the model's coordinates and --tolerance: the file's own, millimetres (the "
+              "default, as OpenCASCADE reads every file), inches or metres");
     AddCount(Command, "-j,--threads", O.Threads, 1, 4096,
              "threads that read and mesh the model (default: one per core); the output is the same for any number");
 }

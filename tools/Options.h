@@ -63,7 +63,7 @@ struct TCadOptions {
     TViewSize Size;
     double TimeLimit = 120.0;  // seconds, the whole run
     double MaxMemoryMiB = DefaultMaxMemoryMiB();
-    std::string Unit = "file";
+    std::string Unit = "mm";
     int Threads = 0;  // 0: every core
 };
 

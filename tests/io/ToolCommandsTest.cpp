@@ -280,7 +280,7 @@ TEST(ToolCommands, SkippedFacesGiveExitCode3AndInfoCountsThemAsMeshDoes)
     builder.Add(both, BRepBuilderAPI_MakeFace(new Geom_BSplineSurface(poles, knotsU, knotsV, mults, mults, 1, 1), 1e-7));
     builder.Add(both, testing::Cylinder());
     testing::WriteStep(both, dir.File("two.stp"));
-    const std::string count = "orvane: " + dir.File("two.stp") + ": 1 of 4 faces skipped\n";
+    const std::string count = "orvane: " + dir.File("two.stp") + ": 1 of 4 faces not written\n";
     const Result mesh = RunTool(dir, "mesh " + dir.File("two.stp") + " -o " + dir.File("two.stl"));
     EXPECT_EQ(mesh.Code, 3) << mesh.Err;
     EXPECT_TRUE(mesh.Err.ends_with(count)) << mesh.Err;
@@ -294,7 +294,7 @@ TEST(ToolCommands, SkippedFacesGiveExitCode3AndInfoCountsThemAsMeshDoes)
     EXPECT_EQ(quiet.Out, "");
 }
 
-TEST(ToolCommands, TheFilesLengthUnitIsKeptUnlessAskedAndSaid)
+TEST(ToolCommands, TheLengthUnitIsMillimetresOrTheFilesOwnAndSaid)
 {
     testing::TempDir dir;
     IGESControl_Controller::Init();
@@ -303,8 +303,8 @@ TEST(ToolCommands, TheFilesLengthUnitIsKeptUnlessAskedAndSaid)
     writer.ComputeModel();
     writer.Write(dir.File("box.igs").c_str());
     const std::tuple<std::string, std::string, std::string> cases[] = {
-        {"", ": IGES in in, 6 faces", "\nbox (0, 0, 0) to (1, 2, 3),"},
-        {" --unit mm", ": IGES in mm, 6 faces", "\nbox (0, 0, 0) to (25.4, 50.8, 76.2),"},
+        {" --unit file", ": IGES in in, 6 faces", "\nbox (0, 0, 0) to (1, 2, 3),"},
+        {"", ": IGES in mm, 6 faces", "\nbox (0, 0, 0) to (25.4, 50.8, 76.2),"},
     };
     for (const auto& [unit, head, box] : cases) {
         const Result r = RunTool(dir, "info " + dir.File("box.igs") + unit);
