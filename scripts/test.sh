@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets up the machine, then builds and runs every test twice: an optimised build with
 # warnings as errors, and a build under AddressSanitizer and UndefinedBehaviorSanitizer;
-# last, the face-conversion fuzzer runs for a bounded time.
+# last, the two fuzzers (face conversion, the whole mesh path) share a bounded time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -33,5 +33,5 @@ bash scripts/build.sh build/sanitize -DCMAKE_BUILD_TYPE=Debug -DORVANE_WERROR=ON
 echo "== tests: sanitizers"
 ctest --test-dir build/sanitize --output-on-failure --parallel "$(nproc)" --timeout 600
 
-echo "== fuzz: face conversion, 30 s"
+echo "== fuzz: face conversion and the mesh path, 30 s in all"
 bash scripts/fuzz.sh 30
