@@ -1,6 +1,7 @@
 #include "io/CadModelReader.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -86,26 +87,85 @@ std::vector<Conversion> ConvertAll(const std::vector<std::string>& names, const 
     return done;
 }
 
-// The model's box (each face's optimal box, joined) and exact area, face by face on every core;
-// gives each face's area.
-std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model, int threads)
+bool Inside(const Bnd_Box& inner, const Bnd_Box& outer)
 {
-    std::vector<Bnd_Box> boxes(static_cast<std::size_t>(faces.Extent()));
-    std::vector<double> areas(boxes.size(), 0.0);
-    OnEveryCore(faces.Extent(), [&](int i) {
-        const auto k = static_cast<std::size_t>(i);
+    if (inner.IsVoid()) return true;
+    if (outer.IsVoid() || inner.IsWhole() || inner.IsOpen()) return false;
+    double a[6], b[6];
+    inner.Get(a[0], a[1], a[2], a[3], a[4], a[5]);
+    outer.Get(b[0], b[1], b[2], b[3], b[4], b[5]);
+    return a[0] >= b[0] && a[1] >= b[1] && a[2] >= b[2] && a[3] <= b[3] && a[4] <= b[4] && a[5] <= b[5];
+}
+
+// The faces Which, boxed optimally on every core, joined into Box.
+void AddOptimalBoxes(const TopTools_IndexedMapOfShape& faces, const std::vector<int>& which, Bnd_Box& box, int threads)
+{
+    std::vector<Bnd_Box> boxes(which.size());
+    OnEveryCore(static_cast<int>(which.size()), [&](int k) {
         try {
-            BRepBndLib::AddOptimal(faces(i + 1), boxes[k], Standard_False, Standard_False);
-            GProp_GProps area;
-            BRepGProp::SurfaceProperties(faces(i + 1), area);
-            areas[k] = area.Mass();
+            BRepBndLib::AddOptimal(faces(which[static_cast<std::size_t>(k)] + 1), boxes[static_cast<std::size_t>(k)],
+                                   Standard_False, Standard_False);
         } catch (const Standard_Failure&) {
             // Measures are for the tolerance, reports and checks: such a face still converts.
         }
     }, {}, threads);
-    Bnd_Box box;
     for (const Bnd_Box& b : boxes) box.Add(b);
+}
+
+// The model's box: its faces' optimal boxes joined. An optimal box is a search over the surface,
+// and lies inside the face's quick box (from its poles, widened by its tolerance); a face whose
+// quick box lies inside what the faces reaching furthest already cover cannot widen the union,
+// so only the faces that reach out are boxed optimally. The same box, at a fraction of the cost.
+Bnd_Box ModelBox(const TopTools_IndexedMapOfShape& faces, int threads)
+{
+    const int count = faces.Extent();
+    std::vector<Bnd_Box> quick(static_cast<std::size_t>(count));
+    OnEveryCore(count, [&](int i) {
+        try {
+            BRepBndLib::Add(faces(i + 1), quick[static_cast<std::size_t>(i)], Standard_False);
+        } catch (const Standard_Failure&) {
+            quick[static_cast<std::size_t>(i)].SetWhole();
+        }
+    }, {}, threads);
+    // First the faces whose quick boxes reach furthest in each of the six directions.
+    std::vector<int> furthest;
+    for (int d = 0; d < 6; ++d) {
+        int best = -1;
+        double reach = std::numeric_limits<double>::lowest();
+        for (int i = 0; i < count; ++i) {
+            const Bnd_Box& q = quick[static_cast<std::size_t>(i)];
+            if (q.IsVoid() || q.IsWhole() || q.IsOpen()) continue;
+            double c[6];
+            q.Get(c[0], c[1], c[2], c[3], c[4], c[5]);
+            const double r = d < 3 ? -c[d] : c[d];
+            if (r > reach) reach = r, best = i;
+        }
+        if (best >= 0 && std::find(furthest.begin(), furthest.end(), best) == furthest.end()) furthest.push_back(best);
+    }
+    Bnd_Box box;
+    AddOptimalBoxes(faces, furthest, box, threads);
+    std::vector<int> rest;
+    for (int i = 0; i < count; ++i)
+        if (std::find(furthest.begin(), furthest.end(), i) == furthest.end() && !Inside(quick[static_cast<std::size_t>(i)], box))
+            rest.push_back(i);
+    AddOptimalBoxes(faces, rest, box, threads);
+    return box;
+}
+
+// The model's box and exact area; gives each face's area.
+std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadModelData& model, int threads)
+{
+    std::vector<double> areas(static_cast<std::size_t>(faces.Extent()), 0.0);
+    OnEveryCore(faces.Extent(), [&](int i) {
+        try {
+            GProp_GProps area;
+            BRepGProp::SurfaceProperties(faces(i + 1), area);
+            areas[static_cast<std::size_t>(i)] = area.Mass();
+        } catch (const Standard_Failure&) {
+        }
+    }, {}, threads);
     for (const double a : areas) model.ExactArea += a;
+    const Bnd_Box box = ModelBox(faces, threads);
     if (box.IsVoid()) return areas;  // the default tolerance then falls back to its floor
     double x0, y0, z0, x1, y1, z1;
     box.Get(x0, y0, z0, x1, y1, z1);
@@ -114,14 +174,14 @@ std::vector<double> MeasureFaces(const TopTools_IndexedMapOfShape& faces, CadMod
 }
 
 // The solid each face belongs to (the first that holds it), -1 for a face in none; one entry
-// of Model.Solids a solid, with its exact volume (the solids measured on every core).
+// of Model.Solids a solid, with its exact volume where asked (the solids measured on every core).
 std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedMapOfShape& faces, CadModelData& model,
-                              int threads)
+                              int threads, bool volumes)
 {
     std::vector<TopoDS_Shape> solids;
     for (TopExp_Explorer ex(shape, TopAbs_SOLID); ex.More(); ex.Next()) solids.push_back(ex.Current());
     model.Solids.resize(solids.size());
-    OnEveryCore(static_cast<int>(solids.size()), [&](int i) {
+    OnEveryCore(volumes ? static_cast<int>(solids.size()) : 0, [&](int i) {
         try {
             GProp_GProps volume;
             // Adaptive: the fixed rule is off by half a percent on a lofted B-spline solid.
@@ -145,7 +205,7 @@ std::vector<int> SolidOfFaces(const TopoDS_Shape& shape, const TopTools_IndexedM
 }  // namespace
 
 CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, double Tolerance, const std::string& Unit,
-                          int Threads)
+                          int Threads, bool Volumes)
 {
     CadModelData model;
     StageClock clock(model.Stages);
@@ -161,7 +221,7 @@ CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress, d
     model.Unit = reader.Unit().Name;
     const std::vector<double> areas = MeasureFaces(faces, model, Threads);
     model.Tolerance = Tolerance > 0.0 ? Tolerance : DefaultTolerance(model);
-    const std::vector<int> solidOf = SolidOfFaces(shape, faces, model, Threads);
+    const std::vector<int> solidOf = SolidOfFaces(shape, faces, model, Threads, Volumes);
     clock.Lap("measure", faces.Extent(), "faces");
     std::vector<std::string> names;
     for (int i = 1; i <= faces.Extent(); ++i) names.push_back(FaceName(reader, healed.Original(faces(i)), i));

@@ -14,10 +14,10 @@ using ProgressFn = std::function<void(int Done, int Total)>;
 
 // Reads Path in this process; the edges are discretised at Tolerance (0: the default tolerance
 // of the model, DefaultTolerance in ModelMesher.h), the coordinates in Unit (CadFileReader),
-// on Threads threads (0: every core).
+// on Threads threads (0: every core); the solids' exact volumes only where Volumes asks.
 // Raises ECadFileError (CadFileReader.h) for a file that cannot be read or holds no faces:
 // "<path> holds no faces".
 CadModelData ReadCadModel(const std::string& Path, const ProgressFn& Progress = {}, double Tolerance = 0.0,
-                          const std::string& Unit = "mm", int Threads = 0);
+                          const std::string& Unit = "mm", int Threads = 0, bool Volumes = true);
 
 }  // namespace orvane::io

@@ -190,9 +190,10 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 }
 
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress,
-                                  double Tolerance, const std::string& Unit, int Threads)
+                                  double Tolerance, const std::string& Unit, int Threads, bool Volumes)
 {
-    return RunIsolated([&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance, Unit, Threads); }, Path,
+    return RunIsolated(
+        [&](const ProgressFn& progress) { return ReadCadModel(Path, progress, Tolerance, Unit, Threads, Volumes); }, Path,
                        TimeLimitSeconds, Progress);
 }
 

@@ -21,6 +21,7 @@ CadModelData RunIsolated(const std::function<CadModelData(const ProgressFn&)>& W
 
 // ReadCadModel in a child process.
 CadModelData ReadCadModelIsolated(const std::string& Path, double TimeLimitSeconds, const ProgressFn& Progress = {},
-                                  double Tolerance = 0.0, const std::string& Unit = "mm", int Threads = 0);
+                                  double Tolerance = 0.0, const std::string& Unit = "mm", int Threads = 0,
+                                  bool Volumes = true);
 
 }  // namespace orvane::io

@@ -61,14 +61,15 @@ TCadRun::TCadRun(const TCadOptions& Options, TVerbosity Verbosity, const std::st
 {
 }
 
-io::CadModelData TCadRun::Read(const std::string& Path) const
+io::CadModelData TCadRun::Read(const std::string& Path, bool Volumes) const
 {
     io::ProgressBar bar("reading " + std::filesystem::path(Path).filename().string());
     try {
         const auto start = std::chrono::steady_clock::now();
         io::CadModelData model = io::ReadCadModelIsolated(
             Path, std::max(0.0, FDeadline.SecondsLeft()) + kChildGraceSeconds,
-            [&](int done, int total) { bar.Update(done, total); }, FOptions.Tolerance, FOptions.Unit, FOptions.Threads);
+            [&](int done, int total) { bar.Update(done, total); }, FOptions.Tolerance, FOptions.Unit, FOptions.Threads,
+            Volumes);
         // What the reading process's own stages leave of the wait: starting it and the model's
         // way back through the pipe.
         double wait = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

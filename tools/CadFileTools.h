@@ -26,7 +26,8 @@ public:
 
     // Reads Path in a child process, with a progress bar while it takes long. Raises
     // std::runtime_error with one line when the file cannot be read or holds no faces.
-    io::CadModelData Read(const std::string& Path) const;
+    // Volumes: whether the solids' exact volumes are measured (a search over each solid).
+    io::CadModelData Read(const std::string& Path, bool Volumes = false) const;
 
     // Meshes the model as the options say, with a progress bar. Raises std::runtime_error
     // naming the bound and by how much when the planned mesh passes --max-memory, and

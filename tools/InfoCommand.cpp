@@ -75,7 +75,7 @@ int Run(const CLI::App& command, const TInfoOptions& options, TVerbosity verbosi
 {
     CheckCadOptions(command, options.Cad, false);
     const TCadRun run(options.Cad, verbosity, options.File);
-    const io::CadModelData model = run.Read(options.File);
+    const io::CadModelData model = run.Read(options.File, true);
     const io::ModelMesh mesh = run.Mesh(model, options.File);
     std::printf("%s: %s in %s, %d faces (%zu meshed, %zu skipped), %d solid%s\n", options.File.c_str(),
                 model.Format.c_str(), model.Unit.c_str(), model.FaceCount(), mesh.Faces.size(), mesh.Skipped.size(),
