@@ -23,19 +23,12 @@ namespace fs = std::filesystem;
 namespace orvane::tools {
 namespace {
 
-bool IsCadExtension(const fs::path& path)
-{
-    std::string ext = path.extension().string();
-    std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
-    return ext == ".igs" || ext == ".iges" || ext == ".stp" || ext == ".step";
-}
-
 // Each input with the name its output takes below the output folder.
 void AddFolder(const fs::path& folder, std::vector<std::pair<std::string, fs::path>>& inputs)
 {
     std::vector<fs::path> found;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
-        if (entry.is_regular_file() && IsCadExtension(entry.path())) found.push_back(entry.path());
+        if (entry.is_regular_file() && HasCadExtension(entry.path().string())) found.push_back(entry.path());
     std::sort(found.begin(), found.end());
     for (const fs::path& file : found) inputs.emplace_back(file.string(), file.lexically_relative(folder));
 }

@@ -1,7 +1,6 @@
 #include "tools/CadFileTools.h"
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -14,12 +13,6 @@
 
 namespace orvane::tools {
 namespace {
-
-std::string Lower(std::string s)
-{
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
-}
 
 // A count as a person reads it: 52, 63930, 6.175 million.
 std::string Count(double n)
@@ -42,8 +35,7 @@ constexpr double kChildGraceSeconds = 5.0;
 
 bool IsCadFileName(const std::string& Name)
 {
-    const std::string ext = Lower(std::filesystem::path(Name).extension().string());
-    return ext == ".igs" || ext == ".iges" || ext == ".stp" || ext == ".step" || std::filesystem::is_regular_file(Name);
+    return HasCadExtension(Name) || std::filesystem::is_regular_file(Name);
 }
 
 std::string Number(double x)

@@ -2,7 +2,6 @@
 // face of an IGES or STEP file tessellated, pointed out of the material, welded, and written
 // as OBJ, binary STL or binary glTF, as the output's extension says. Several files, a folder or
 // a list make a batch: each file's mesh goes into the output folder, one report line each.
-#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -22,13 +21,6 @@ namespace orvane::tools {
 namespace {
 
 const std::vector<std::string> kMeshExtensions = {".obj", ".stl", ".glb"};
-
-std::string Extension(const std::string& path)
-{
-    std::string ext = std::filesystem::path(path).extension().string();
-    for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return ext;
-}
 
 struct TMeshOptions {
     std::vector<std::string> Files;
@@ -59,13 +51,13 @@ void CheckOptions(const CLI::App& command, const TMeshOptions& options)
     RefuseOptions(command, {"--format", "--report", "--shard"}, "is for a batch: several files, a folder or @LIST");
     if (const std::string wrong = CheckExtension(options.Output, kMeshExtensions); !wrong.empty())
         throw EUsage("--output: " + wrong);
-    if (options.Quads && Extension(options.Output) != ".obj")
+    if (options.Quads && ExtensionOf(options.Output) != ".obj")
         throw EUsage("--quads writes OBJ only: the output must end in .obj");
 }
 
 void Write(const TMeshOptions& options, const std::string& file, const std::string& output, const io::WeldedMesh& welded)
 {
-    const std::string ext = Extension(output);
+    const std::string ext = ExtensionOf(output);
     if (ext == ".obj") io::WriteObj(output, welded, {"orvane mesh of " + file, options.Quads});
     if (ext == ".stl") io::WriteStl(output, welded);
     if (ext == ".glb") io::WriteGlb(output, welded);

@@ -70,17 +70,24 @@ std::string CheckViewSize(const std::string& text, TViewSize* size)
     return {};
 }
 
-std::string Lower(std::string s)
+}  // namespace
+
+std::string ExtensionOf(const std::string& Path)
 {
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
+    std::string ext = std::filesystem::path(Path).extension().string();
+    for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return ext;
 }
 
-}  // namespace
+bool HasCadExtension(const std::string& Path)
+{
+    const std::string ext = ExtensionOf(Path);
+    return ext == ".igs" || ext == ".iges" || ext == ".stp" || ext == ".step";
+}
 
 std::string CheckExtension(const std::string& path, const std::vector<std::string>& extensions)
 {
-    const std::string ext = Lower(std::filesystem::path(path).extension().string());
+    const std::string ext = ExtensionOf(path);
     if (extensions.empty() || std::find(extensions.begin(), extensions.end(), ext) != extensions.end()) return {};
     std::string list;
     for (std::size_t i = 0; i < extensions.size(); ++i)

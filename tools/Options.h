@@ -47,6 +47,10 @@ CLI::Option* AddChoice(CLI::App& Command, const std::string& Name, std::string& 
                        const std::vector<std::string>& Choices, const std::string& Help);
 // WIDTHxHEIGHT in pixels, each 1 to kMaxPixels.
 CLI::Option* AddViewSize(CLI::App& Command, TViewSize& Value, const std::string& Help);
+// Path's extension in lower case, with its dot (".stp").
+std::string ExtensionOf(const std::string& Path);
+// Whether Path's name ends in .igs, .iges, .stp or .step, in any case.
+bool HasCadExtension(const std::string& Path);
 // Empty when Path ends in one of Extensions (or Extensions is empty), else what is wrong with it.
 std::string CheckExtension(const std::string& Path, const std::vector<std::string>& Extensions);
 // A file the command writes, whose name must end in one of Extensions (any name where empty).
