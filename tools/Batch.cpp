@@ -1,6 +1,7 @@
 #include "tools/Batch.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -83,8 +84,12 @@ TFileReport Failed(const TBatchItem& item, const std::string& why)
 
 // The child's side: its report, or a failed one, down the pipe; standard output stays the
 // batch's report alone.
-[[noreturn]] void RunChild(int out, const TBatchItem& item, const std::function<TFileReport()>& work)
+[[noreturn]] void RunChild(int out, pid_t parent, const TBatchItem& item, const std::function<TFileReport()>& work)
 {
+    // Ends with the batch, whatever ends it: SIGTERM, so that its temporary files go too (and
+    // its reading process with it); the parent may be gone already, hence the look.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent) _exit(1);
     const int null = open("/dev/null", O_WRONLY);
     if (null >= 0) dup2(null, STDOUT_FILENO);
     std::string line;
@@ -170,6 +175,7 @@ TFileReport RunInChild(const TBatchItem& Item, const std::function<TFileReport()
 {
     int pipeEnds[2];
     if (pipe2(pipeEnds, O_CLOEXEC) != 0) return Failed(Item, std::string("cannot make a pipe: ") + strerror(errno));
+    const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) {
         close(pipeEnds[0]);
@@ -178,7 +184,7 @@ TFileReport RunInChild(const TBatchItem& Item, const std::function<TFileReport()
     }
     if (child == 0) {
         close(pipeEnds[0]);
-        RunChild(pipeEnds[1], Item, Work);
+        RunChild(pipeEnds[1], parent, Item, Work);
     }
     close(pipeEnds[1]);
     std::string line;
