@@ -27,11 +27,7 @@
 namespace orvane::io {
 namespace {
 
-std::string Slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testing::Slurp;
 
 void Spit(const std::string& path, const std::string& bytes)
 {

@@ -23,11 +23,7 @@ namespace fs = std::filesystem;
 namespace orvane::io {
 namespace {
 
-std::string Slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testing::Slurp;
 
 int RunTool(const testing::TempDir& dir, const std::string& args)
 {

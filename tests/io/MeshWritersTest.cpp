@@ -114,11 +114,7 @@ ModelMesh Hinge(double degrees)
     return mesh;
 }
 
-std::string Slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testing::Slurp;
 
 std::size_t VertexCount(const WeldedMesh& m)
 {

@@ -39,11 +39,7 @@ struct Result {
     std::string Err;
 };
 
-std::string Slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using testing::Slurp;
 
 // Runs the shell command; standard error is a file, no terminal.
 Result RunShell(const testing::TempDir& dir, const std::string& command)

@@ -1,5 +1,7 @@
 #include "tests/io/parts/TestShapes.h"
 
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 
@@ -121,6 +123,12 @@ std::vector<TestShape> AllTestShapes()
     return {{"box_with_hole", BoxWithHole()}, {"cylinder", Cylinder()}, {"sphere", Sphere()},
             {"torus", Torus()}, {"filleted_box", FilletedBox()}, {"plate_with_holes", PlateWithHoles()},
             {"lofted_freeform", LoftedFreeform()}};
+}
+
+std::string Slurp(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 TempDir::TempDir()

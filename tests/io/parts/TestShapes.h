@@ -46,6 +46,9 @@ private:
     std::filesystem::path FPath;
 };
 
+// The file's bytes; empty when it cannot be read.
+std::string Slurp(const std::string& path);
+
 // Writes the shape; IGES as solids (BRep entities), so that reading gives solids back.
 void WriteIges(const TopoDS_Shape& shape, const std::string& path);
 void WriteStep(const TopoDS_Shape& shape, const std::string& path);
